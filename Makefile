@@ -1,0 +1,38 @@
+# Quick start: `make run` starts the program, `make test` runs every test. Both install what is missing first.
+BUILD      ?= build
+BUILD_TYPE ?= Release
+JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
+# The folder `make run` lists until the window exists; override with `make run FOLDER=/some/where`.
+FOLDER     ?= $(HOME)
+
+.PHONY: all deps configure build run test bench format clean
+
+all: build
+
+deps:
+	@./scripts/setup-deps.sh
+
+$(BUILD)/build.ninja:
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=$(BUILD_TYPE)
+
+configure: deps $(BUILD)/build.ninja
+
+build: configure
+	cmake --build $(BUILD) -j $(JOBS)
+
+run: build
+	@if [ -x $(BUILD)/bin/quillary ]; then $(BUILD)/bin/quillary; \
+	else $(BUILD)/bin/quillary-list --out $(BUILD)/listings --yes "$(FOLDER)"; fi
+
+test: build
+	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+bench: build
+	@./scripts/setup-deps.sh --bench
+	./bench/run.sh
+
+format:
+	clang-format -i $$(git ls-files '*.cpp' '*.h')
+
+clean:
+	rm -rf $(BUILD)

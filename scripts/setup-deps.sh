@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build, the tests and the benchmark need, and nothing that is already there.
+# Used by `make` on a fresh machine and by CI; harmless to run again.
+set -euo pipefail
+pkgs=(cmake ninja-build g++ make qt6-base-dev qt6-multimedia-dev libgl-dev time python3)
+if [ "${1:-}" = "--bench" ]; then pkgs+=(gdu); fi
+missing=()
+for p in "${pkgs[@]}"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+echo "Installing: ${missing[*]}"
+SUDO=""
+[ "$(id -u)" -ne 0 ] && SUDO="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

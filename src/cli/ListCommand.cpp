@@ -1,0 +1,183 @@
+#include "ListCommand.h"
+
+#include "browser/DriveCaption.h"
+#include "common/NativeText.h"
+#include "common/NumberText.h"
+#include "export/FileOps.h"
+#include "export/SaveFlow.h"
+#include "platform/VolumeService.h"
+#include "scan/FolderWalk.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <climits>
+#include <cstdlib>
+#include <sys/stat.h>
+
+namespace {
+
+const char* const Usage =
+    "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] FOLDER\n"
+    "\n"
+    "Lists every folder and file below FOLDER and writes the four listing files of\n"
+    "\"Create Text Files\":\n"
+    "  Folders List WithPath NAME.txt   Folders List - NAME.txt\n"
+    "  Files List WithPath NAME.txt     Files List - NAME.txt\n"
+    "\n"
+    "Options:\n"
+    "  --short      stop at 32767 files, as the Short window does (default: no limit)\n"
+    "  --name NAME  the name in the four file names (default: FOLDER's last component)\n"
+    "  --out DIR    where to write them (default: the collection folder, ~/Quillbox)\n"
+    "  --yes        replace the four files when they all exist already\n"
+    "  --help       show this text\n"
+    "\n"
+    "Exit status: 0 written; 1 the files exist and --yes was not given;\n"
+    "2 bad arguments or FOLDER is not a folder; 3 the files could not be written.\n";
+
+void print(std::FILE* f, const QString& text)
+{
+    QString t = text;
+    t.replace(QStringLiteral("\t"), QString());
+    t.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    const QByteArray bytes = NativeText::fromDisplay(t);
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), f);
+    std::fputc('\n', f);
+}
+
+// Answers the save's questions from the command line: the name from --name, the replace question from --yes.
+class CommandLineHost : public SaveHost
+{
+public:
+    CommandLineHost(QString name, bool yes, std::FILE* out, std::FILE* err)
+        : m_name(std::move(name)), m_yes(yes), m_out(out), m_err(err)
+    {
+    }
+    QString inputBox(const QString&) override { return m_name; }
+    Answer messageBox(const QString& text, int style) override
+    {
+        if (style == 19) // the replace question
+            return m_yes ? Answer::Yes : Answer::No;
+        print(style == 64 ? m_out : m_err, text);
+        return Answer::Ok;
+    }
+
+private:
+    QString m_name;
+    bool m_yes;
+    std::FILE* m_out;
+    std::FILE* m_err;
+};
+
+QByteArray absoluteFolder(const QByteArray& arg)
+{
+    char buf[PATH_MAX];
+    if (::realpath(arg.constData(), buf))
+        return QByteArray(buf);
+    return arg;
+}
+
+} // namespace
+
+int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
+{
+    bool isShort = false, yes = false, haveName = false;
+    QString name, outDir;
+    QByteArray folder;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        const QByteArray& a = args[i];
+        const auto value = [&](QString& into) {
+            if (i + 1 >= args.size()) {
+                std::fprintf(err, "quillary-list: %s needs a value\n", a.constData());
+                return false;
+            }
+            into = NativeText::toDisplay(args[++i]);
+            return true;
+        };
+        if (a == "--help" || a == "-h") {
+            std::fputs(Usage, out);
+            return 0;
+        } else if (a == "--short") {
+            isShort = true;
+        } else if (a == "--yes") {
+            yes = true;
+        } else if (a == "--name") {
+            if (!value(name))
+                return 2;
+            haveName = true;
+        } else if (a == "--out") {
+            if (!value(outDir))
+                return 2;
+        } else if (a == "--") {
+            if (i + 1 < args.size() && folder.isEmpty())
+                folder = args[++i];
+        } else if (a.startsWith('-') && a.size() > 1) {
+            std::fprintf(err, "quillary-list: unknown option %s\nTry quillary-list --help.\n", a.constData());
+            return 2;
+        } else if (folder.isEmpty()) {
+            folder = a;
+        } else {
+            std::fprintf(err, "quillary-list: only one FOLDER may be given\n");
+            return 2;
+        }
+    }
+    if (folder.isEmpty()) {
+        std::fputs("quillary-list: no FOLDER given\nTry quillary-list --help.\n", err);
+        return 2;
+    }
+    struct stat st;
+    if (::stat(folder.constData(), &st) != 0) {
+        std::fprintf(err, "quillary-list: %s: no such folder\n", folder.constData());
+        return 2;
+    }
+    if (!S_ISDIR(st.st_mode)) {
+        std::fprintf(err, "quillary-list: %s: not a folder\n", folder.constData());
+        return 2;
+    }
+
+    const QByteArray start = absoluteFolder(folder);
+    const QString startText = NativeText::toDisplay(start);
+    if (!haveName) {
+        const qsizetype cut = start.lastIndexOf('/');
+        name = NativeText::toDisplay(start.mid(cut + 1));
+    }
+
+    CollectionFolder collection;
+    if (!outDir.isEmpty()) {
+        const QString dir = QDir(outDir).absolutePath();
+        QDir().mkpath(dir);
+        collection = CollectionFolder(dir);
+    }
+
+    WalkOptions options;
+    options.flavour = isShort ? ScanResult::Flavour::Short : ScanResult::Flavour::Long;
+    QElapsedTimer clock;
+    clock.start();
+    const std::unique_ptr<ScanResult> result = FolderWalk::run(start, options);
+    const qint64 elapsed = clock.elapsed();
+    if (result->limitReached())
+        print(err, ScanResult::limitMessage());
+
+    if (result->noFolderFound())
+        print(out, QString::fromLatin1(ScanResult::NoFolderFound.data(), qsizetype(ScanResult::NoFolderFound.size())));
+    else
+        print(out, QStringLiteral("Total Folders: ") + QString::number(result->folderCount()));
+    print(out, QStringLiteral("Total Files: ") + QString::number(result->fileCount()));
+    print(out, QStringLiteral("Elapsed time: ") + NumberText::seconds(elapsed) + QStringLiteral(" sec"));
+
+    SystemVolumeService volumes;
+    SaveSources sources;
+    sources.result = result.get();
+    sources.flavour = options.flavour;
+    sources.driveCaption = DriveCaption::captionForPath(volumes, startText);
+    sources.parentFolder = startText;
+
+    CommandLineHost host(name, yes, out, err);
+    SystemFileOps ops;
+    SaveFlow flow(host, ops, collection);
+    const SaveFlow::Outcome outcome = flow.run(SaveFlow::Kind::Set, sources);
+    if (outcome.refused)
+        return 1;
+    if (outcome.error != 0)
+        return 3;
+    return 0;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <string_view>
+
+// Paths and names travel through the program as the bytes the file system gave. They become text only to be
+// shown, and come back without loss: every byte that is not part of valid UTF-8 is shown as one lone surrogate
+// U+DC80..U+DCFF, and turns back into that byte. So a file whose name is not UTF-8 can still be opened, copied
+// and written to a listing exactly as it is on disk.
+namespace NativeText {
+
+QString toDisplay(std::string_view bytes);
+inline QString toDisplay(const QByteArray& bytes) { return toDisplay(std::string_view(bytes.constData(), bytes.size())); }
+
+// Appends the display form to `out` (no allocation when `out` has room); used by the hot paths of the views.
+void appendDisplay(std::string_view bytes, QString& out);
+
+QByteArray fromDisplay(QStringView text);
+
+// True when every byte is below 0x80, the common case that needs no decoding.
+bool isAscii(std::string_view bytes);
+
+// Number of UTF-16 units `toDisplay` would produce.
+qsizetype displayLength(std::string_view bytes);
+
+} // namespace NativeText

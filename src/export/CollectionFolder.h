@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class FileOps;
+
+// The one folder all output goes to: C:\Quillbox on Windows, Quillbox in the home folder elsewhere.
+// Every text that names it is built from `path()`, so on Windows the texts read exactly as they always did.
+class CollectionFolder
+{
+public:
+    // From the environment: HOME (tests point it at a temporary folder).
+    CollectionFolder();
+    explicit CollectionFolder(const QString& path) : m_path(path) {}
+
+    QString path() const { return m_path; }               // "C:\Quillbox", "/home/ann/Quillbox"
+    QString pathWithSeparator() const;                    // "C:\Quillbox\"
+    QString filePath(const QString& fileName) const;      // "C:\Quillbox\" + fileName
+    QByteArray nativePath() const;
+    static QByteArray native(const QString& displayPath);
+
+    // Creates the folder when nothing is there yet; the run-time error number, or 0.
+    int ensureExists(FileOps& ops) const;
+
+private:
+    QString m_path;
+};

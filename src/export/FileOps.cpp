@@ -1,0 +1,236 @@
+#include "FileOps.h"
+
+#include "common/RuntimeError.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <cerrno>
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+#ifdef _WIN32
+constexpr char Separator = '\\';
+#else
+constexpr char Separator = '/';
+#endif
+
+QByteArray parentOf(const QByteArray& path)
+{
+    const qsizetype cut = path.lastIndexOf(Separator);
+    if (cut < 0)
+        return QByteArrayLiteral(".");
+    return cut == 0 ? path.left(1) : path.left(cut);
+}
+
+} // namespace
+
+#ifndef _WIN32
+
+namespace {
+
+bool isDirectory(const QByteArray& path)
+{
+    struct stat st;
+    return ::stat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+int errorFor(int err, const QByteArray& path)
+{
+    return RuntimeError::fromErrno(err, err == ENOENT && !isDirectory(parentOf(path)));
+}
+
+// Buffered writes to a descriptor; remembers the first failure.
+class FdOutput : public FileOps::Output
+{
+public:
+    explicit FdOutput(int fd) : m_fd(fd) { m_buffer.reserve(Capacity); }
+    bool write(const char* data, qint64 size) override
+    {
+        if (m_error)
+            return false;
+        if (m_buffer.size() + size > Capacity && !flush())
+            return false;
+        if (size >= Capacity)
+            return put(data, size);
+        m_buffer.append(data, size);
+        return true;
+    }
+    bool flush()
+    {
+        if (m_error)
+            return false;
+        const bool ok = put(m_buffer.constData(), m_buffer.size());
+        m_buffer.clear();
+        return ok;
+    }
+    int error() const { return m_error; }
+
+private:
+    static constexpr qint64 Capacity = 1 << 20;
+    bool put(const char* data, qint64 size)
+    {
+        while (size > 0) {
+            const ssize_t n = ::write(m_fd, data, size_t(size));
+            if (n < 0) {
+                if (errno == EINTR)
+                    continue;
+                m_error = errno;
+                return false;
+            }
+            data += n;
+            size -= n;
+        }
+        return true;
+    }
+    int m_fd;
+    int m_error = 0;
+    QByteArray m_buffer;
+};
+
+mode_t creationMode()
+{
+    static const mode_t mode = [] {
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        return mode_t(0666 & ~mask);
+    }();
+    return mode;
+}
+
+} // namespace
+
+int SystemFileOps::ensureDirectory(const QByteArray& path)
+{
+    struct stat st;
+    if (::stat((path + Separator).constData(), &st) == 0)
+        return 0;
+    if (::mkdir(path.constData(), 0777) == 0)
+        return 0;
+    return errorFor(errno, path);
+}
+
+int SystemFileOps::probe(const QByteArray& path)
+{
+    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return errorFor(errno, path);
+    struct stat st;
+    const bool dir = ::fstat(fd, &st) == 0 && S_ISDIR(st.st_mode);
+    ::close(fd);
+    return dir ? int(RuntimeError::PathFileAccess) : 0; // a folder cannot be opened as a file
+}
+
+int SystemFileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce)
+{
+    struct stat st;
+    if (::stat(path.constData(), &st) == 0) {
+        // What opening the file for output would refuse: a folder in the way, or a file we may not write.
+        if (S_ISDIR(st.st_mode) || ::access(path.constData(), W_OK) != 0)
+            return RuntimeError::PathFileAccess;
+    }
+    QByteArray temp = parentOf(path) + Separator + ".quillary-XXXXXX";
+    const int fd = ::mkostemp(temp.data(), O_CLOEXEC);
+    if (fd < 0)
+        return errorFor(errno, path);
+    ::fchmod(fd, creationMode());
+    FdOutput out(fd);
+    const bool produced = produce(out);
+    bool ok = produced && out.flush();
+    int err = out.error();
+    if (::close(fd) != 0 && ok) {
+        ok = false;
+        err = errno;
+    }
+    if (ok && ::rename(temp.constData(), path.constData()) != 0) {
+        ok = false;
+        err = errno;
+    }
+    if (!ok) {
+        ::unlink(temp.constData());
+        return err ? errorFor(err, path) : int(RuntimeError::DeviceIO);
+    }
+    return 0;
+}
+
+#else
+
+// Windows: the same contract through Qt's file classes (QSaveFile replaces the target only on commit).
+namespace {
+
+QString toPath(const QByteArray& path)
+{
+    return QString::fromUtf8(path);
+}
+
+class DeviceOutput : public FileOps::Output
+{
+public:
+    explicit DeviceOutput(QIODevice& d) : m_device(d) {}
+    bool write(const char* data, qint64 size) override { return m_device.write(data, size) == size; }
+
+private:
+    QIODevice& m_device;
+};
+
+int fromFileError(QFileDevice::FileError e, const QString& path)
+{
+    switch (e) {
+    case QFileDevice::NoError:
+        return 0;
+    case QFileDevice::PermissionsError:
+        return RuntimeError::PathFileAccess;
+    case QFileDevice::ResourceError:
+        return RuntimeError::DiskFull;
+    case QFileDevice::OpenError:
+        if (!QFileInfo(QFileInfo(path).path()).isDir())
+            return RuntimeError::PathNotFound;
+        return QFileInfo::exists(path) ? int(RuntimeError::PathFileAccess) : int(RuntimeError::FileNotFound);
+    default:
+        return RuntimeError::DeviceIO;
+    }
+}
+
+} // namespace
+
+int SystemFileOps::ensureDirectory(const QByteArray& path)
+{
+    const QString p = toPath(path);
+    if (QFileInfo::exists(p) || QDir().mkdir(p))
+        return 0;
+    return QFileInfo(QFileInfo(p).path()).isDir() ? int(RuntimeError::PathFileAccess) : int(RuntimeError::PathNotFound);
+}
+
+int SystemFileOps::probe(const QByteArray& path)
+{
+    const QString p = toPath(path);
+    if (QFileInfo(p).isDir())
+        return RuntimeError::PathFileAccess;
+    QFile f(p);
+    if (f.open(QIODevice::ReadOnly))
+        return 0;
+    return fromFileError(f.error(), p);
+}
+
+int SystemFileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce)
+{
+    const QString p = toPath(path);
+    if (QFileInfo(p).isDir())
+        return RuntimeError::PathFileAccess;
+    QSaveFile f(p);
+    if (!f.open(QIODevice::WriteOnly))
+        return fromFileError(f.error(), p);
+    DeviceOutput out(f);
+    if (!produce(out) || !f.commit())
+        return f.error() == QFileDevice::NoError ? int(RuntimeError::DeviceIO) : fromFileError(f.error(), p);
+    return 0;
+}
+
+#endif

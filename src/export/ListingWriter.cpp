@@ -1,0 +1,59 @@
+#include "ListingWriter.h"
+
+#include "common/NativeText.h"
+
+#include <QLocale>
+
+QString ListingFile::fileName(Kind kind, const QString& name)
+{
+    switch (kind) {
+    case FoldersWithPaths:
+        return QStringLiteral("Folders List WithPath ") + name + QStringLiteral(".txt");
+    case Folders:
+        return QStringLiteral("Folders List - ") + name + QStringLiteral(".txt");
+    case FilesWithPaths:
+        return QStringLiteral("Files List WithPath ") + name + QStringLiteral(".txt");
+    case Files:
+        return QStringLiteral("Files List - ") + name + QStringLiteral(".txt");
+    case SingleFolders:
+        return QStringLiteral("Folder List WithPath ") + name + QStringLiteral(".txt");
+    }
+    return {};
+}
+
+QString ListingFile::dateLineFor(const QDate& date)
+{
+    return QStringLiteral("Date: ") + QLocale::system().toString(date, QStringLiteral("dd MMMM yyyy"));
+}
+
+bool ListingFile::writeTo(FileOps::Output& out) const
+{
+    QByteArray buf;
+    const auto line = [&](const QString& text) {
+        buf.append(NativeText::fromDisplay(text));
+        buf.append("\r\n", 2);
+    };
+    line(dateLine);
+    line(sourceLine);
+    line(QString());
+    line(parentLine);
+    line(title);
+    line(QString());
+    const qint64 available = result ? result->count(list) : 0;
+    constexpr qsizetype Flush = 1 << 20;
+    buf.reserve(Flush + 64 * 1024);
+    for (qint64 row = 0; row < rows; ++row) {
+        if (row < available)
+            result->appendEntry(list, row, buf);
+        buf.append("\r\n", 2);
+        if (buf.size() >= Flush) {
+            if (!out.write(buf.constData(), buf.size()))
+                return false;
+            buf.clear();
+        }
+    }
+    if (extraEmptyLine)
+        buf.append("\r\n", 2);
+    buf.append("\r\n", 2);
+    return out.write(buf.constData(), buf.size());
+}

@@ -1,0 +1,184 @@
+#include "SaveFlow.h"
+
+#include "common/NumberText.h"
+#include "common/RuntimeError.h"
+#include "export/FileOps.h"
+
+#include <QElapsedTimer>
+
+namespace {
+
+const QString FolderRefusal = QStringLiteral("Folder List not saved, recommended to try again.");
+const QString FileRefusal = QStringLiteral("File List not saved, recommended to try again.");
+
+QString countTitle(const char* prefix, qint64 count)
+{
+    return QLatin1String(prefix) + QString::number(count) + QStringLiteral("):");
+}
+
+} // namespace
+
+SaveFlow::SaveFlow(SaveHost& host, FileOps& ops, CollectionFolder folder)
+    : m_host(host), m_ops(ops), m_folder(std::move(folder)), m_today([] { return QDate::currentDate(); })
+{
+}
+
+Answer SaveFlow::askReplace(const QString& path)
+{
+    return m_host.messageBox(QStringLiteral("You are already having a file with the name ") + path +
+                                 QStringLiteral(" in the default folder.\r\n"
+                                                "Would you still like to save by and replace the original file?"),
+                             19);
+}
+
+// The one error handler of a save, looking at the number in a fixed order: a bad name gets its own box and
+// then the numbered box as well; an access error gets its advice; anything else its number and description.
+void SaveFlow::reportError(int error, Outcome& outcome)
+{
+    outcome.error = error;
+    if (error == RuntimeError::PathNotFound)
+        m_host.messageBox(QStringLiteral("Invalid file name, choose different file name."), 16);
+    if (error == RuntimeError::PathFileAccess) {
+        m_host.messageBox(QStringLiteral("Change the SAVE Location. Access denied to Save in the application location."),
+                          48);
+        return;
+    }
+    m_host.messageBox(QString::number(error) + QStringLiteral("\r\n") + RuntimeError::description(error), 0);
+}
+
+bool SaveFlow::writeAll(const std::vector<Planned>& files, Outcome& outcome)
+{
+    for (const Planned& p : files) {
+        const int error = m_ops.writeFile(CollectionFolder::native(p.path),
+                                          [&](FileOps::Output& out) { return p.file.writeTo(out); });
+        if (error != 0) {
+            reportError(error, outcome);
+            return false;
+        }
+        outcome.written.append(p.path);
+    }
+    return true;
+}
+
+SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
+{
+    Outcome outcome;
+    const bool isLong = src.flavour == ScanResult::Flavour::Long;
+    const bool isSet = kind == Kind::Set;
+
+    if (const int error = m_folder.ensureExists(m_ops)) {
+        reportError(error, outcome);
+        return outcome;
+    }
+
+    using L = ScanResult::List;
+    const ScanResult* r = src.result;
+    const auto count = [&](L list) { return r ? r->count(list) : qint64(0); };
+    const QString folderPathsTitle = countTitle("LIST OF FOLDERS WITH THEIR PATHS (", count(L::FolderPaths));
+    const QString foldersTitle = countTitle("LIST OF ALL FOLDERS & SUB FOLDERS (", count(L::FolderNames));
+    const QString filesTitle = countTitle("LIST OF ALL FILES (", count(L::FilePaths));
+    ListingFile base;
+    base.sourceLine = QStringLiteral("SOURCE:") + src.driveCaption;
+    base.parentLine = QStringLiteral("Parent Folder: ") + src.parentFolder;
+    base.result = r;
+    base.extraEmptyLine = !isLong;
+
+    if (isSet && isLong)
+        m_host.writingLabel(QStringLiteral(" Writing files.. "), true);
+
+    const QString name = m_host.inputBox(namePrompt());
+    base.dateLine = ListingFile::dateLineFor(m_today());
+
+    std::vector<Planned> plan;
+    const auto add = [&](int number, ListingFile::Kind fileKind, const QString& title, L list, qint64 rows) {
+        ListingFile f = base;
+        f.title = title;
+        f.list = list;
+        f.rows = rows;
+        plan.push_back({number, m_folder.filePath(ListingFile::fileName(fileKind, name)), f});
+    };
+    switch (kind) {
+    case Kind::Set:
+        // Written in this order: 1, 2, 4, 3.
+        add(1, ListingFile::FoldersWithPaths, folderPathsTitle, L::FolderPaths, count(L::FolderPaths));
+        add(2, ListingFile::Folders, foldersTitle, L::FolderNames, count(L::FolderNames));
+        add(4, ListingFile::Files, filesTitle, L::FileNames, count(L::FileNames));
+        add(3, ListingFile::FilesWithPaths, filesTitle, L::FilePaths, count(L::FilePaths));
+        break;
+    case Kind::SingleFolders:
+        // The grid window counts the rows of its folder-name grid while reading its folder-path grid; both
+        // hold one row per folder.
+        add(2, ListingFile::SingleFolders, folderPathsTitle, L::FolderPaths,
+            isLong ? count(L::FolderNames) : count(L::FolderPaths));
+        break;
+    case Kind::SingleFiles:
+        add(3, ListingFile::FilesWithPaths, filesTitle, L::FilePaths, count(L::FilePaths));
+        break;
+    }
+
+    // The existence test opens the files in number order and leaves each open until all are open. A missing
+    // file ends the test with the earlier ones still open; writing then meets file 1 still open ("file already
+    // open") when the first file existed and a later one did not.
+    std::vector<const Planned*> byNumber;
+    for (const Planned& p : plan)
+        byNumber.push_back(&p);
+    std::sort(byNumber.begin(), byNumber.end(), [](auto* a, auto* b) { return a->number < b->number; });
+    bool allExist = true;
+    int leftOpen = 0;
+    for (const Planned* p : byNumber) {
+        const int error = m_ops.probe(CollectionFolder::native(p->path));
+        if (error == RuntimeError::FileNotFound) {
+            allExist = false;
+            break;
+        }
+        if (error != 0) {
+            reportError(error, outcome);
+            return outcome;
+        }
+        ++leftOpen;
+    }
+
+    const QString refusal = kind == Kind::SingleFiles ? FileRefusal : FolderRefusal;
+    if (allExist) {
+        if (askReplace(byNumber.front()->path) != Answer::Yes) {
+            m_host.messageBox(refusal, 48);
+            outcome.refused = true;
+            if (isSet && isLong)
+                m_host.writingLabel(QString(), false);
+            return outcome;
+        }
+    } else if (leftOpen > 0) {
+        // Only a set of four can get here: a single save opens one file.
+        if (askReplace(byNumber.front()->path) == Answer::Yes) {
+            reportError(RuntimeError::FileAlreadyOpen, outcome);
+            return outcome;
+        }
+        m_host.messageBox(refusal, 48);
+        // The files are closed and the writing goes ahead all the same.
+    }
+
+    QElapsedTimer clock;
+    clock.start();
+    if (!writeAll(plan, outcome))
+        return outcome;
+
+    if (!isSet) {
+        m_host.messageBox(QStringLiteral("Following Text File created & saved successfully:\t\t\r\n\r\n") +
+                              plan.front().path,
+                          64);
+        return outcome;
+    }
+    QString report = QStringLiteral("Following 4 Text Files created & saved successfully:\t\t\r\n\r\n") + plan[0].path +
+                     QStringLiteral("\r\n") + plan[1].path + QStringLiteral("\r\n") + plan[3].path +
+                     QStringLiteral("\r\n") + plan[2].path;
+    if (isLong) {
+        const QString caption = QLatin1Char(' ') + NumberText::seconds(clock.elapsed()) + QStringLiteral(" sec ");
+        m_host.writingLabel(caption, true);
+        report += QStringLiteral("\r\n\r\nFiles created in: ") + caption;
+        m_host.messageBox(report, 64);
+        m_host.writingLabel(caption, false);
+    } else {
+        m_host.messageBox(report, 64);
+    }
+    return outcome;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+// One mounted volume as the drive selector shows it.
+struct Volume
+{
+    QString root;     // mount point ("/", "/media/stick"); a drive root on Windows ("c:\")
+    QString label;    // the volume's own name; empty when it has none
+    int typeCode = 0; // 0 Unknown, 1 Removable, 2 Fixed, 3 Network, 4 CD/DVD, 5 RAM Disk
+    bool ready = true; // false when the medium cannot be read
+
+    // The drive selector's text: the root, then " [label]" when the volume has a label.
+    QString driveText() const;
+};
+
+// The machine's volumes. An interface so windows and tests can be given a fixed set.
+class VolumeService
+{
+public:
+    virtual ~VolumeService() = default;
+
+    // Volumes that hold user files, in the selector's order.
+    virtual QList<Volume> volumes() const = 0;
+
+    // The volume whose drive text or root is `driveTextOrRoot`; `ok` is false when there is none.
+    Volume find(const QString& driveTextOrRoot, bool* ok = nullptr) const;
+
+    // The volume that holds `path` (the deepest mount point above it).
+    virtual Volume volumeOf(const QString& path) const = 0;
+};
+
+// The real volumes, read through QStorageInfo and, on Linux, /sys for removable media.
+class SystemVolumeService : public VolumeService
+{
+public:
+    QList<Volume> volumes() const override;
+    Volume volumeOf(const QString& path) const override;
+};

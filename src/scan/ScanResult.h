@@ -1,0 +1,110 @@
+#pragma once
+
+#include "scan/NameArena.h"
+
+#include <QByteArray>
+#include <QString>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+// The outcome of one walk: the four parallel lists a browser window shows and the listings are written from.
+// Entry i of the folder-path list and of the folder-name list describe the same folder, likewise for files.
+//
+// The result is compact so that whole drives fit: every name once in an arena, each folder a 16-byte node with
+// its parent's index, each file a 12-byte entry; paths are built on demand. Node 0 is the start folder (its
+// name is its full path); node i + 1 is folder entry i, so the folder lists are simply the nodes in order. A
+// folder whose files were listed but that was never entered (the Short limit struck inside it) follows them.
+class ScanResult
+{
+public:
+    enum class List { FolderPaths, FolderNames, FilePaths, FileNames };
+    enum class Flavour { Short, Long };
+
+    static constexpr int ShortFileLimit = 32767;
+    static constexpr qsizetype MaxSplitPathLength = 32767;
+    static constexpr std::string_view NoFolderFound = "NO FOLDER FOUND";
+    static QString limitMessage();
+
+    // State a window keeps from one scan to the next (see carriedKb / carriedName).
+    struct Carry
+    {
+        qint32 folderKb = 0;
+        QByteArray lastName;
+    };
+
+    ScanResult() = default;
+    ScanResult(const ScanResult&) = delete;
+    ScanResult& operator=(const ScanResult&) = delete;
+
+    Flavour flavour() const { return m_flavour; }
+    const QByteArray& startPath() const { return m_startPath; }
+    char separator() const { return m_separator; }
+
+    // Number of entries in a list; the folder lists hold the one entry "NO FOLDER FOUND" when no folder was found.
+    qint64 count(List list) const;
+    qint64 folderCount() const { return m_folderCount; }
+    qint64 fileCount() const { return qint64(m_files.size()); }
+    bool noFolderFound() const { return folderCount() < 1; }
+    bool limitReached() const { return m_limitReached; }
+
+    // Entry `row` of `list` as native bytes, appended to `out` (the fast path of listings and searches).
+    void appendEntry(List list, qint64 row, QByteArray& out) const;
+    QByteArray entry(List list, qint64 row) const;
+    QString text(List list, qint64 row) const;
+
+    // The parts of an entry, for callers that build texts of their own.
+    std::string_view folderName(qint64 folder) const { return m_names.get(m_dirs[size_t(folder) + 1].name); }
+    qint32 folderKb(qint64 folder) const { return m_dirs[size_t(folder) + 1].kb; }
+    std::string_view fileName(qint64 file) const { return m_names.get(m_files[size_t(file)].name()); }
+    QByteArray folderPath(qint64 folder) const { return dirPath(std::uint32_t(folder + 1)); }
+    QByteArray filePath(qint64 file) const;
+
+    // What the next scan of the same window starts from: the size and name its last entry computation left.
+    Carry carryOut() const { return m_carryOut; }
+
+    // Heap bytes held, and of those the bytes that are names (for the bytes-per-entry figure).
+    std::size_t memoryUsage() const;
+    std::size_t nameBytes() const { return m_nameBytes; }
+
+private:
+    friend class FolderWalk;
+
+    struct DirNode
+    {
+        NameArena::Ref name;
+        std::uint32_t parent;
+        qint32 kb;
+    };
+    struct FileEntry
+    {
+        std::uint32_t dir;
+        std::uint32_t nameLo;
+        std::uint32_t nameHi;
+        NameArena::Ref name() const { return (NameArena::Ref(nameHi) << 32) | nameLo; }
+    };
+    static_assert(sizeof(DirNode) == 16 && sizeof(FileEntry) == 12);
+
+    QByteArray dirPath(std::uint32_t dir) const;
+    void appendDirPath(std::uint32_t dir, QByteArray& out) const;
+    // The name shown for an entry of the name lists: its own, or for a path too long to take apart, the one
+    // shown before it. `seq` counts folder entries first, then file entries.
+    std::string_view shownName(std::uint64_t seq) const;
+    // Finds the entries whose paths are too long to take apart and sets the carry for the next scan.
+    void markLongPaths();
+
+    Flavour m_flavour = Flavour::Long;
+    char m_separator = '/';
+    QByteArray m_startPath;
+    NameArena m_names;
+    std::vector<DirNode> m_dirs;
+    std::vector<FileEntry> m_files;
+    // Entries whose path is longer than 32,767 characters, with the entry whose name stands in for theirs
+    // (UINT64_MAX: the name carried in from the previous scan). Sorted by entry; almost always empty.
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> m_staleNames;
+    QByteArray m_carriedName;
+    Carry m_carryOut;
+    qint64 m_folderCount = 0;
+    bool m_limitReached = false;
+    std::size_t m_nameBytes = 0;
+};
