@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Answer.h"
 #include "export/CollectionFolder.h"
 #include "export/ListingWriter.h"
 
@@ -8,9 +9,6 @@
 #include <functional>
 
 class FileOps;
-
-// How a message box was answered.
-enum class Answer { Ok, Yes, No, Cancel };
 
 // What a save asks the user and tells them. A window answers through its message and input boxes; the
 // headless lister answers from its options; tests answer from a queue.
