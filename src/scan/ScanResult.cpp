@@ -124,10 +124,15 @@ QString ScanResult::text(List list, qint64 row) const
     return NativeText::toDisplay(entry(list, row));
 }
 
+std::size_t ScanResult::indexBytes() const
+{
+    return m_dirs.capacity() * sizeof(DirNode) + m_files.capacity() * sizeof(FileEntry) +
+           m_staleNames.capacity() * sizeof(m_staleNames[0]) + size_t(m_startPath.capacity());
+}
+
 std::size_t ScanResult::memoryUsage() const
 {
-    return m_names.bytesReserved() + m_dirs.capacity() * sizeof(DirNode) + m_files.capacity() * sizeof(FileEntry) +
-           m_staleNames.capacity() * sizeof(m_staleNames[0]) + size_t(m_startPath.capacity());
+    return m_names.bytesReserved() + indexBytes();
 }
 
 void ScanResult::markLongPaths()

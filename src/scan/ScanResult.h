@@ -63,8 +63,10 @@ public:
     // What the next scan of the same window starts from: the size and name its last entry computation left.
     Carry carryOut() const { return m_carryOut; }
 
-    // Heap bytes held, and of those the bytes that are names (for the bytes-per-entry figure).
+    // Heap bytes held in all; of those, the bytes of the entries and their index (names and the arena's unused
+    // tail left out), and the bytes the names take in the arena, length prefixes included.
     std::size_t memoryUsage() const;
+    std::size_t indexBytes() const;
     std::size_t nameBytes() const { return m_nameBytes; }
 
 private:

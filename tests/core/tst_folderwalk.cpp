@@ -1,0 +1,495 @@
+#include "TreeBuilder.h"
+#include "scan/FolderWalk.h"
+
+#include <QTest>
+#include <algorithm>
+#include <dirent.h>
+#include <random>
+#include <sys/wait.h>
+
+using L = ScanResult::List;
+
+namespace {
+
+QByteArrayList lines(const ScanResult& r, L list)
+{
+    QByteArrayList out;
+    for (qint64 i = 0; i < r.count(list); ++i)
+        out.append(r.entry(list, i));
+    return out;
+}
+
+QByteArrayList strip(const QByteArrayList& paths, const QByteArray& root)
+{
+    QByteArrayList out;
+    for (const QByteArray& p : paths)
+        out.append(p.startsWith(root + '/') ? p.mid(root.size() + 1) : p);
+    return out;
+}
+
+// The walk as it was first written: one recursive call per folder, the start folder's files listed when the
+// first folder without sub-folders is reached, and each folder's size summed again from its whole sub-tree.
+// It serves as the reference the real walk must match entry for entry.
+class ReferenceWalk
+{
+public:
+    ReferenceWalk(QByteArray root, bool isShort) : m_root(std::move(root)), m_short(isShort) {}
+
+    void run()
+    {
+        browse(m_root);
+        if (folderCounter < 1) {
+            folderPaths = {"NO FOLDER FOUND"};
+            folderNames = {"NO FOLDER FOUND"};
+        }
+        for (const QByteArray& p : filePaths)
+            fileNames.append(p.mid(p.lastIndexOf('/') + 1));
+    }
+
+    QByteArrayList folderPaths, folderNames, filePaths, fileNames;
+    int folderCounter = 0;
+    bool limit = false;
+
+private:
+    struct Listing
+    {
+        QByteArrayList dirs, files;
+    };
+    static Listing list(const QByteArray& dir)
+    {
+        Listing l;
+        DIR* d = ::opendir(dir.constData());
+        if (!d)
+            return l;
+        while (dirent* e = ::readdir(d)) {
+            const QByteArray n(e->d_name);
+            if (n == "." || n == "..")
+                continue;
+            struct stat st;
+            if (::lstat((dir + '/' + n).constData(), &st) != 0)
+                continue;
+            (S_ISDIR(st.st_mode) ? l.dirs : l.files).append(n);
+        }
+        ::closedir(d);
+        const auto less = [](const QByteArray& a, const QByteArray& b) {
+            return FolderWalk::lessByName({a.constData(), size_t(a.size())}, {b.constData(), size_t(b.size())});
+        };
+        std::sort(l.dirs.begin(), l.dirs.end(), less);
+        std::sort(l.files.begin(), l.files.end(), less);
+        return l;
+    }
+    static quint64 size(const QByteArray& dir)
+    {
+        quint64 total = 0;
+        const Listing l = list(dir);
+        for (const QByteArray& f : l.files) {
+            struct stat st;
+            if (::lstat((dir + '/' + f).constData(), &st) == 0)
+                total += quint64(st.st_size);
+        }
+        for (const QByteArray& d : l.dirs)
+            total += size(dir + '/' + d);
+        return total;
+    }
+    // false: leave the current call
+    bool addFile(const QByteArray& path)
+    {
+        if (m_short) {
+            if (m_fileCounter == 33333)
+                return false;
+            if (++m_fileCounter > 32767) {
+                limit = true;
+                m_fileCounter = 33333;
+                return false;
+            }
+        }
+        filePaths.append(path);
+        return true;
+    }
+    void browse(const QByteArray& start)
+    {
+        for (const QByteArray& s : list(start).dirs) {
+            const QByteArray sub = start + '/' + s;
+            for (const QByteArray& f : list(sub).files)
+                if (!addFile(sub + '/' + f))
+                    return;
+            if (m_fileCounter == 33333)
+                return;
+            browse(sub);
+            folderPaths.append(sub);
+            folderNames.append(s + " (" + QByteArray::number(qRound64(double(size(sub)) / 1024.0)) + "kB)");
+            ++folderCounter;
+        }
+        if (folderCounter != 0)
+            return;
+        for (const QByteArray& f : list(m_root).files)
+            if (!addFile(m_root + '/' + f))
+                return;
+    }
+
+    QByteArray m_root;
+    bool m_short;
+    int m_fileCounter = 0;
+};
+
+void compareWithReference(const QByteArray& root, ScanResult::Flavour flavour, int threads = 0)
+{
+    ReferenceWalk ref(root, flavour == ScanResult::Flavour::Short);
+    ref.run();
+    WalkOptions o;
+    o.flavour = flavour;
+    o.threads = threads;
+    const auto r = FolderWalk::run(root, o);
+    QCOMPARE(lines(*r, L::FolderPaths), ref.folderPaths);
+    QCOMPARE(lines(*r, L::FolderNames), ref.folderNames);
+    QCOMPARE(lines(*r, L::FilePaths), ref.filePaths);
+    QCOMPARE(lines(*r, L::FileNames), ref.fileNames);
+    QCOMPARE(r->limitReached(), ref.limit);
+    QCOMPARE(r->folderCount(), qint64(ref.folderCounter));
+}
+
+} // namespace
+
+class TestFolderWalk : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void ordersOfTheExampleTree()
+    {
+        // R holds A (which holds A1) and B, each with files: A's files, A1's, R's own, then B's; folders in
+        // post-order; the start folder itself is never listed.
+        TreeBuilder t;
+        t.file("A/a2.txt", 1536);
+        t.file("A/a1.txt", 2560);
+        t.file("A/A1/deep.txt", 511);
+        t.file("B/b.txt");
+        t.file("r.txt", 5632);
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(strip(lines(*r, L::FolderPaths), t.root()), QByteArrayList({"A/A1", "A", "B"}));
+        QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"A1 (0kB)", "A (4kB)", "B (0kB)"}));
+        QCOMPARE(strip(lines(*r, L::FilePaths), t.root()),
+                 QByteArrayList({"A/a1.txt", "A/a2.txt", "A/A1/deep.txt", "r.txt", "B/b.txt"}));
+        QCOMPARE(lines(*r, L::FileNames), QByteArrayList({"a1.txt", "a2.txt", "deep.txt", "r.txt", "b.txt"}));
+        QCOMPARE(r->folderCount(), 3);
+        QVERIFY(!r->limitReached());
+        QCOMPARE(r->startPath(), t.root());
+    }
+
+    void noSubFolderAndEmptyFolders()
+    {
+        TreeBuilder flat;
+        flat.file("b.txt");
+        flat.file("a.txt");
+        auto r = FolderWalk::run(flat.root());
+        QVERIFY(r->noFolderFound());
+        QCOMPARE(lines(*r, L::FolderPaths), QByteArrayList({"NO FOLDER FOUND"}));
+        QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"NO FOLDER FOUND"}));
+        QCOMPARE(strip(lines(*r, L::FilePaths), flat.root()), QByteArrayList({"a.txt", "b.txt"}));
+
+        TreeBuilder empty;
+        r = FolderWalk::run(empty.root());
+        QCOMPARE(r->count(L::FolderPaths), 1);
+        QCOMPARE(r->count(L::FilePaths), 0);
+        QCOMPARE(r->count(L::FileNames), 0);
+
+        // Folders without files are still listed and counted; the start folder's files come at the first leaf.
+        TreeBuilder hollow;
+        hollow.dir("x/y");
+        hollow.dir("z");
+        hollow.file("top.txt");
+        r = FolderWalk::run(hollow.root());
+        QCOMPARE(strip(lines(*r, L::FolderPaths), hollow.root()), QByteArrayList({"x/y", "x", "z"}));
+        QCOMPARE(strip(lines(*r, L::FilePaths), hollow.root()), QByteArrayList({"top.txt"}));
+    }
+
+    void nameOrder()
+    {
+        // By upper-case form, then by raw bytes where those agree; non-ASCII names by their upper case too.
+        QVERIFY(FolderWalk::lessByName("apple", "Banana"));
+        QVERIFY(FolderWalk::lessByName("B", "b"));
+        QVERIFY(!FolderWalk::lessByName("b", "B"));
+        QVERIFY(FolderWalk::lessByName("a.txt", "a1.txt")); // '.' sorts before '1'
+        QVERIFY(FolderWalk::lessByName("a", "a_"));
+        QVERIFY(FolderWalk::lessByName("z", "\xc3\xa9")); // é (É) after the ASCII letters
+        QVERIFY(FolderWalk::lessByName("\xc3\xa9t\xc3\xa9", "\xc3\x89t\xc3\xa9s")); // été < Étés: ÉTÉ < ÉTÉS
+        QVERIFY(FolderWalk::lessByName("\xc3\x89", "\xc3\xa9"));                  // É < é: same upper case, bytes
+        QVERIFY(FolderWalk::lessByName("ok", "ok\xff")); // a byte that is not UTF-8 still has its place
+
+        TreeBuilder t;
+        for (const char* n : {"b", "B", "a", "A", "_x", "10", "9", "\xce\xb1", "bad\xff"})
+            t.file(QByteArray("d/") + n);
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(lines(*r, L::FileNames),
+                 QByteArrayList({"10", "9", "A", "a", "B", "b", "bad\xff", "_x", "\xce\xb1"}));
+    }
+
+    void linksAreFilesAndNeverFollowed()
+    {
+        TreeBuilder t;
+        t.file("real/f.txt", 4096);
+        QCOMPARE(::symlink("..", t.path("real/up").constData()), 0); // a loop if followed
+        QCOMPARE(::symlink("real", t.path("alias").constData()), 0);
+        QCOMPARE(::symlink("/nonexistent/target", t.path("dangling").constData()), 0);
+        QCOMPARE(::mkfifo(t.path("real/pipe").constData(), 0644), 0);
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(strip(lines(*r, L::FolderPaths), t.root()), QByteArrayList({"real"}));
+        QCOMPARE(strip(lines(*r, L::FilePaths), t.root()),
+                 QByteArrayList({"real/f.txt", "real/pipe", "real/up", "alias", "dangling"}));
+        QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"real (4kB)"})); // 4096 + 0 + 2 bytes
+    }
+
+    void sizesRoundHalfToEven()
+    {
+        TreeBuilder t;
+        const QList<QPair<qint64, QByteArray>> cases = {{1536, "2"}, {2560, "2"}, {511, "0"}, {512, "0"},
+                                                       {513, "1"},  {5632, "6"}, {0, "0"},   {3 * 512, "2"},
+                                                       {1024LL * 1024 * 1024 * 5, "5242880"}};
+        for (int i = 0; i < cases.size(); ++i)
+            t.file("d" + QByteArray::number(i) + "/f", cases[i].first);
+        const auto r = FolderWalk::run(t.root());
+        for (int i = 0; i < cases.size(); ++i)
+            QCOMPARE(r->entry(L::FolderNames, i), "d" + QByteArray::number(i) + " (" + cases[i].second + "kB)");
+    }
+
+    void sizesCoverEverythingBelow()
+    {
+        TreeBuilder t;
+        t.file("a/b/c/d/e.bin", 10 * 1024);
+        t.file("a/b/x.bin", 1024);
+        t.file("a/y.bin", 1024);
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"d (10kB)", "c (10kB)", "b (11kB)", "a (12kB)"}));
+    }
+
+    void shortLimit()
+    {
+        // Exactly 32,767 files are listed whole; one more stops the walk with the limit reached and exactly
+        // 32,767 entries. The Long flavour lists all.
+        TreeBuilder t;
+        for (int i = 0; i < 32767; ++i)
+            t.file("d/f" + QByteArray::number(i));
+        WalkOptions shortOpts;
+        shortOpts.flavour = ScanResult::Flavour::Short;
+        auto r = FolderWalk::run(t.root(), shortOpts);
+        QCOMPARE(r->fileCount(), 32767);
+        QVERIFY(!r->limitReached());
+        QCOMPARE(r->folderCount(), 1);
+
+        t.file("e/one-more");
+        r = FolderWalk::run(t.root(), shortOpts);
+        QVERIFY(r->limitReached());
+        QCOMPARE(r->fileCount(), 32767);
+        QCOMPARE(r->count(L::FileNames), 32767);
+        // The walk stopped while looking at e's files, so d (complete) is the only folder listed.
+        QCOMPARE(strip(lines(*r, L::FolderPaths), t.root()), QByteArrayList({"d"}));
+        QVERIFY(ScanResult::limitMessage().startsWith(QStringLiteral("Number of Files is crossing the limit.")));
+
+        r = FolderWalk::run(t.root());
+        QCOMPARE(r->fileCount(), 32768);
+        QVERIFY(!r->limitReached());
+    }
+
+    void shortLimitKeepsTheOpenChain()
+    {
+        // The limit strikes deep inside a/b/c: the folders that were open (c, b, a) are still listed, each
+        // with the size of everything below it, files never reached included.
+        TreeBuilder t;
+        for (int i = 0; i < 32760; ++i)
+            t.file("a/f" + QByteArray::number(i));
+        t.file("a/b/g1", 2048);
+        for (int i = 0; i < 10; ++i)
+            t.file("a/b/c/h" + QByteArray::number(i), 1024);
+        t.file("a/b/c/z/late", 4096);
+        t.file("z/never");
+        compareWithReference(t.root(), ScanResult::Flavour::Short);
+        WalkOptions o;
+        o.flavour = ScanResult::Flavour::Short;
+        const auto r = FolderWalk::run(t.root(), o);
+        QVERIFY(r->limitReached());
+        QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"b (16kB)", "a (16kB)"}));
+        QCOMPARE(r->entry(L::FilePaths, 32766), t.path("a/b/c/h5"));
+    }
+
+    void matchesTheReferenceOnRandomTrees()
+    {
+        std::mt19937 rng(20261121);
+        for (int round = 0; round < 6; ++round) {
+            TreeBuilder t;
+            QByteArrayList dirs{""};
+            const int nDirs = 5 + int(rng() % 60);
+            for (int i = 0; i < nDirs; ++i) {
+                const QByteArray parent = dirs[int(rng() % dirs.size())];
+                static const char* stems[] = {"a", "B", "b", "Photos", "photos2", "x.y", "Z", "\xc3\xa9t\xc3\xa9"};
+                const QByteArray name = stems[rng() % 8] + QByteArray::number(i % 7);
+                const QByteArray rel = parent.isEmpty() ? name : parent + '/' + name;
+                if (!dirs.contains(rel)) {
+                    t.dir(rel);
+                    dirs.append(rel);
+                }
+            }
+            const int nFiles = int(rng() % 200);
+            for (int i = 0; i < nFiles; ++i) {
+                const QByteArray parent = dirs[int(rng() % dirs.size())];
+                const QByteArray name = "f" + QByteArray::number(int(rng() % 50)) + (rng() % 2 ? ".TXT" : ".txt");
+                const QByteArray rel = parent.isEmpty() ? name : parent + '/' + name;
+                if (!dirs.contains(rel))
+                    t.file(rel, qint64(rng() % 5000));
+            }
+            compareWithReference(t.root(), ScanResult::Flavour::Long, 1 + round % 3);
+            compareWithReference(t.root(), ScanResult::Flavour::Short, 2);
+        }
+    }
+
+    void oddNamesKeepTheirBytes()
+    {
+        TreeBuilder t;
+        const QByteArrayList names = {"bad\xff\xfeutf8", "latin1 caf\xe9", "line\nbreak", "cr\rx", "-rf",
+                                      "back\\slash",    QByteArray(255, 'L'), "trunc \xe6\x97"};
+        for (const QByteArray& n : names)
+            t.file("odd\xff/" + n);
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(r->entry(L::FolderPaths, 0), t.path("odd\xff"));
+        QByteArrayList got = lines(*r, L::FileNames);
+        QByteArrayList want = names;
+        std::sort(got.begin(), got.end());
+        std::sort(want.begin(), want.end());
+        QCOMPARE(got, want);
+        for (qint64 i = 0; i < r->fileCount(); ++i) {
+            struct stat st;
+            QVERIFY(::lstat(r->entry(L::FilePaths, i).constData(), &st) == 0);
+        }
+    }
+
+    void deepChain()
+    {
+        // 10,000 folders deep: paths far beyond PATH_MAX, no recursion anywhere.
+        TreeBuilder t;
+        const int depth = 10000;
+        {
+            QByteArray rel;
+            int fd = ::open(t.root().constData(), O_RDONLY | O_DIRECTORY);
+            for (int i = 0; i < depth; ++i) {
+                QVERIFY(::mkdirat(fd, "d", 0755) == 0);
+                const int next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY);
+                ::close(fd);
+                fd = next;
+            }
+            const int f = ::openat(fd, "bottom.txt", O_WRONLY | O_CREAT, 0644);
+            QVERIFY(::ftruncate(f, 2048) == 0);
+            ::close(f);
+            ::close(fd);
+        }
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(r->folderCount(), depth);
+        QCOMPARE(r->fileCount(), 1);
+        QCOMPARE(r->entry(L::FolderNames, 0), QByteArray("d (2kB)"));
+        QCOMPARE(r->entry(L::FolderNames, depth - 1), QByteArray("d (2kB)"));
+        QCOMPARE(r->entry(L::FilePaths, 0).size(), t.root().size() + depth * 2 + qsizetype(strlen("/bottom.txt")));
+        QCOMPARE(r->entry(L::FileNames, 0), QByteArray("bottom.txt"));
+    }
+
+    void namesOfPathsTooLongToTakeApart()
+    {
+        // A path over 32,767 characters cannot be taken apart: its name entry repeats the name shown before.
+        TreeBuilder t;
+        const QByteArray seg(200, 's');
+        int fd = ::open(t.root().constData(), O_RDONLY | O_DIRECTORY);
+        const int f0 = ::openat(fd, "first.txt", O_WRONLY | O_CREAT, 0644);
+        ::close(f0);
+        for (int i = 0; i < 170; ++i) { // 170 * 201 bytes: past 32,767 from about level 163 on
+            QVERIFY(::mkdirat(fd, seg.constData(), 0755) == 0);
+            const int next = ::openat(fd, seg.constData(), O_RDONLY | O_DIRECTORY);
+            ::close(fd);
+            fd = next;
+        }
+        const int f = ::openat(fd, "leaf.txt", O_WRONLY | O_CREAT, 0644);
+        ::close(f);
+        ::close(fd);
+        WalkOptions o;
+        o.carry.lastName = "from-before";
+        const auto r = FolderWalk::run(t.root(), o);
+        QCOMPARE(r->fileCount(), 2);
+        // The deepest folders come first in post-order: their paths are too long, so they show the name carried
+        // in from the previous scan; shorter ones show their own.
+        QCOMPARE(r->entry(L::FolderNames, 0), QByteArray("from-before (0kB)"));
+        QCOMPARE(r->entry(L::FolderNames, 169), seg + " (0kB)");
+        // leaf.txt comes first (its folder's files are listed before the start folder's); its path is too long,
+        // so it shows the name shown last before it, the outermost folder's.
+        QVERIFY(r->entry(L::FilePaths, 0).endsWith("/leaf.txt"));
+        QCOMPARE(r->entry(L::FileNames, 0), seg);
+        QCOMPARE(r->entry(L::FileNames, 1), QByteArray("first.txt"));
+        QCOMPARE(r->carryOut().lastName, QByteArray("first.txt"));
+    }
+
+    void unreadableFolder()
+    {
+        // Listed by its parent, contributing nothing; the walk goes on. Needs a user that permissions bind.
+        TreeBuilder t;
+        t.file("a/locked/secret.txt", 4096);
+        t.file("a/open.txt", 1024);
+        t.file("b/b.txt");
+        ::chmod(t.root().constData(), 0755);
+        ::chmod(t.path("a/locked").constData(), 0);
+        const QByteArray out = t.root() + ".result";
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
+                ::_exit(3);
+            const auto r = FolderWalk::run(t.root());
+            QByteArray text;
+            for (const L l : {L::FolderPaths, L::FolderNames, L::FilePaths})
+                text += lines(*r, l).join('|') + '\n';
+            QFile f(QFile::decodeName(out));
+            const bool ok = f.open(QIODevice::WriteOnly) && f.write(text) == text.size();
+            f.close();
+            ::_exit(ok ? 0 : 4);
+        }
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+        ::chmod(t.path("a/locked").constData(), 0755);
+        if (WEXITSTATUS(status) == 3)
+            QSKIP("cannot drop privileges here");
+        QCOMPARE(WEXITSTATUS(status), 0);
+        QFile f(QFile::decodeName(out));
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QByteArrayList got = f.readAll().split('\n');
+        f.remove();
+        const QByteArray r = t.root();
+        QCOMPARE(got[0], r + "/a/locked|" + r + "/a|" + r + "/b");
+        QCOMPARE(got[1], QByteArray("locked (0kB)|a (1kB)|b (0kB)"));
+        QCOMPARE(got[2], r + "/a/open.txt|" + r + "/b/b.txt");
+    }
+
+    void cancelAndProgress()
+    {
+        TreeBuilder t;
+        for (int i = 0; i < 50; ++i)
+            t.file("d" + QByteArray::number(i % 5) + "/f" + QByteArray::number(i));
+        WalkProgress progress;
+        WalkOptions o;
+        o.progress = &progress;
+        QVERIFY(FolderWalk::run(t.root(), o));
+        QCOMPARE(progress.folders.load(), 5);
+        QCOMPARE(progress.files.load(), 50);
+        std::atomic_bool cancel{true};
+        o.cancel = &cancel;
+        QVERIFY(!FolderWalk::run(t.root(), o));
+    }
+
+    void compactEntries()
+    {
+        TreeBuilder t;
+        for (int i = 0; i < 2000; ++i)
+            t.file("d" + QByteArray::number(i % 40) + "/file-" + QByteArray::number(i));
+        const auto r = FolderWalk::run(t.root());
+        const qint64 entries = r->fileCount() + r->folderCount();
+        const double perEntry = double(r->indexBytes()) / double(entries);
+        QVERIFY2(perEntry <= 48, QByteArray::number(perEntry).constData());
+        // Names with their one length byte each: d0..d39, then file-0..file-1999.
+        QCOMPARE(r->nameBytes(), size_t(t.root().size() + 10 * 3 + 30 * 4 + 10 * 7 + 90 * 8 + 900 * 9 + 1000 * 10));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFolderWalk)
+#include "tst_folderwalk.moc"
