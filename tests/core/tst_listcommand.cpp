@@ -1,0 +1,124 @@
+#include "TreeBuilder.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTest>
+
+namespace {
+
+struct Run
+{
+    int code;
+    QByteArray out, err;
+};
+
+} // namespace
+
+class TestListCommand : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_home;
+
+    Run list(const QStringList& args)
+    {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("HOME"), m_home.path());
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(QUILLARY_LIST), args);
+        p.waitForFinished(60000);
+        return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
+    }
+    QString box() const { return m_home.path() + QStringLiteral("/Quillbox"); }
+
+private slots:
+    void listsAndWritesTheFourFiles()
+    {
+        TreeBuilder t;
+        t.file("A/a.txt", 2048);
+        t.file("top.txt");
+        const QString root = QFile::decodeName(t.root());
+        Run r = list({root, QStringLiteral("--name"), QStringLiteral("mine")});
+        QCOMPARE(r.code, 0);
+        const QList<QByteArray> out = r.out.split('\n');
+        QCOMPARE(out[0], QByteArray("Total Folders: 1"));
+        QCOMPARE(out[1], QByteArray("Total Files: 2"));
+        QVERIFY(QRegularExpression(QStringLiteral("^Elapsed time: [0-9.]+ sec$")).match(QString::fromUtf8(out[2])).hasMatch());
+        QVERIFY(r.out.contains("Following 4 Text Files created & saved successfully:\n"));
+        for (const char* name : {"Folders List WithPath mine.txt", "Folders List - mine.txt", "Files List WithPath mine.txt",
+                                 "Files List - mine.txt"}) {
+            const QString path = box() + QLatin1Char('/') + QLatin1String(name);
+            QVERIFY2(r.out.contains(path.toUtf8()), name);
+            QVERIFY(QFile::exists(path));
+        }
+        QFile f(box() + QStringLiteral("/Files List - mine.txt"));
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QByteArray text = f.readAll();
+        QVERIFY(text.contains("\r\nSOURCE: "));
+        QVERIFY(text.contains("\r\nParent Folder: " + t.root() + "\r\nLIST OF ALL FILES (2):\r\n\r\na.txt\r\ntop.txt\r\n\r\n"));
+
+        // Again: refused without --yes, replaced with it.
+        r = list({root, QStringLiteral("--name"), QStringLiteral("mine")});
+        QCOMPARE(r.code, 1);
+        QVERIFY(r.err.contains("Folder List not saved, recommended to try again."));
+        r = list({QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("mine"), root});
+        QCOMPARE(r.code, 0);
+
+        // The default name is the folder's own; --out writes elsewhere.
+        const QString elsewhere = m_home.path() + QStringLiteral("/out/deeper");
+        r = list({root, QStringLiteral("--out"), elsewhere});
+        QCOMPARE(r.code, 0);
+        QVERIFY(QFile::exists(elsewhere + QStringLiteral("/Files List - ") + QFileInfo(root).fileName() + QStringLiteral(".txt")));
+    }
+
+    void shortLimitAndNoFolder()
+    {
+        TreeBuilder t;
+        for (int i = 0; i < 32768; ++i)
+            t.file("f" + QByteArray::number(i));
+        Run r = list({QStringLiteral("--short"), QStringLiteral("--name"), QStringLiteral("s"), QFile::decodeName(t.root())});
+        QCOMPARE(r.code, 0);
+        QVERIFY(r.err.contains("Number of Files is crossing the limit. You can display only 32767 Files\n"
+                               "at a time. The program will terminate at this juncture."));
+        QVERIFY(r.out.startsWith("NO FOLDER FOUND\nTotal Files: 32767\n"));
+        r = list({QStringLiteral("--name"), QStringLiteral("l"), QFile::decodeName(t.root())});
+        QVERIFY(r.out.startsWith("NO FOLDER FOUND\nTotal Files: 32768\n"));
+        QVERIFY(r.err.isEmpty());
+    }
+
+    void badInput()
+    {
+        TreeBuilder t;
+        t.file("plain.txt");
+        const QString root = QFile::decodeName(t.root());
+        const QStringList names = QDir(box()).entryList(QDir::Files);
+        Run r = list({});
+        QCOMPARE(r.code, 2);
+        QVERIFY(r.err.contains("no FOLDER"));
+        r = list({root + QStringLiteral("/nope")});
+        QCOMPARE(r.code, 2);
+        QVERIFY(r.err.contains("no such folder"));
+        r = list({root + QStringLiteral("/plain.txt")});
+        QCOMPARE(r.code, 2);
+        QVERIFY(r.err.contains("not a folder"));
+        r = list({QStringLiteral("--frobnicate"), root});
+        QCOMPARE(r.code, 2);
+        QVERIFY(r.err.contains("unknown option --frobnicate"));
+        r = list({root, QStringLiteral("--name")});
+        QCOMPARE(r.code, 2);
+        QCOMPARE(QDir(box()).entryList(QDir::Files), names); // nothing written by any of these
+
+        // A name holding a path separator takes the save's own error path.
+        r = list({root, QStringLiteral("--name"), QStringLiteral("a/b")});
+        QCOMPARE(r.code, 3);
+        QCOMPARE(r.err, QByteArray("Invalid file name, choose different file name.\n76\nPath not found\n"));
+
+        r = list({QStringLiteral("--help")});
+        QCOMPARE(r.code, 0);
+        QVERIFY(r.out.startsWith("Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] FOLDER"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestListCommand)
+#include "tst_listcommand.moc"
