@@ -1,0 +1,19 @@
+#include "platform/ProgramEnd.h"
+#include "platform/SystemServices.h"
+#include "startup/OptionsWindow.h"
+
+#include <QApplication>
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Quillary"));
+    QApplication::setApplicationVersion(QStringLiteral("4.50"));
+
+    SystemServices system;
+    OptionsWindow options(system.services());
+    options.start();
+    if (system.services().programEnd->ended())
+        return 0;
+    return app.exec();
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QList>
+#include <QRect>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+// What tells the two browser windows apart. Everything else about them is one implementation.
+struct BrowserFlavour
+{
+    enum class Panes { ListBoxes, Grids };
+
+    // One property the non-maximised window puts back on every resize.
+    struct Restore
+    {
+        enum Property { Left, Top, Width, Height };
+        QString control;
+        Property property;
+        int twips;
+    };
+
+    QString objectName; // "ShortBrowser", "LongBrowser"
+    QString caption;
+    QSize clientTwips;
+    Panes panes = Panes::ListBoxes;
+    int label2Left = 1605;
+    QString label10Text;
+    QString modeFrameName; // holds Option1 / Option2
+    QRect modeFrameTwips;
+    QString playerFrameName; // hidden at start, holds the player
+    QRect playerFrameTwips;
+    QString closeLabelName;    // the two "Click to Close" labels of the player frame
+    bool hasGoToFrame = false; // Frame5 with the go-to boxes, and the banner Image1 it takes turns with
+    int pathFrameTop = 6870;
+
+    QString folderMenuCaption;
+    QStringList folderMenuNames;
+    QStringList folderMenuCaptions;
+    int folderMenuSeparatorBefore = -1; // index of the entry a separator precedes; -1 for none
+    QString fileMenuCaption;
+    QStringList fileMenuNames;
+    QStringList fileMenuCaptions;
+    int fileMenuSeparatorBefore = -1;
+
+    QList<Restore> restore;
+
+    // The result pane names: "List1".."List4" or "MSFlexGrid1".."MSFlexGrid4".
+    QString paneName(int number) const;
+
+    static const BrowserFlavour& shortBrowser();
+    static const BrowserFlavour& longBrowser();
+};

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "BrowserControls.h"
+#include "BrowserFlavour.h"
+#include "platform/Services.h"
+
+#include <QPointer>
+#include <QWidget>
+
+class QFileSystemModel;
+
+// The browser window, in either flavour (ShortBrowser with list boxes, LongBrowser with grids): the drive
+// selector and folder tree, the result panes and their status labels, the Open/Locate mode and the ways back
+// to Options and out of the program. The listing and the actions on its results build on the controls here.
+class BrowserWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    BrowserWindow(const BrowserFlavour& flavour, const Services& services, QWidget* optionsWindow);
+    ~BrowserWindow() override;
+
+    const BrowserFlavour& flavour() const { return m_flavour; }
+    const BrowserControls& controls() const { return m_ui; }
+
+    // The last drive text the drive selector gave.
+    QString driveText() const { return m_driveText; }
+    // The folder tree's path (Dir1.Path), and setting it, which runs the folder change when it differs.
+    QString dir1Path() const { return m_dir1Path; }
+    void setDir1Path(const QString& path);
+    // True when "Open" is the double-click mode, false for "Locate".
+    bool openMode() const;
+
+    QString DriveTypeInfo(const QString& sDrive) const;
+    QString GetDriveName(const QString& driveLetter) const;
+    void ShowDriveCaption();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void buildWindow();
+    void buildNavigation();
+    void buildPanes();
+    void buildPathFrame();
+    void buildModeAndPictures();
+    void buildSearchSection();
+    void buildPlayerFrame();
+    void buildGoToFrame();
+    void buildMenus();
+    void fillDrives();
+    QRect designRect(const QString& name) const;
+
+    void Form_Load();
+    void Dir1_Change();
+    void Drive1_Change();
+    void resetResults();
+    void clearPanes();
+    void showBannerHideGoTo();
+    int changeDrive(const QString& driveText);
+    int setDir1PathToDrive(const QString& driveText);
+    void Label8_Click();
+    void Option1_Click();
+    void Option2_Click();
+    void Image2_Click();
+    void Image6_Click();
+    void playerFrame_Click();
+    void Label11_DblClick();
+    void Command1_Click();
+    void applyLayout();
+    void setOuterWidth(int twips);
+    void fitLabel2();
+
+    const BrowserFlavour& m_flavour;
+    Services m_services;
+    QPointer<QWidget> m_options;
+    BrowserControls m_ui;
+    QFileSystemModel* m_dirModel = nullptr;
+    QString m_driveText;
+    QString m_dir1Path;
+    bool m_applyingLayout = false;
+};

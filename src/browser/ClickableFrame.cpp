@@ -1,0 +1,10 @@
+#include "ClickableFrame.h"
+
+#include <QMouseEvent>
+
+void ClickableFrame::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+        emit clicked();
+    QFrame::mouseReleaseEvent(event);
+}

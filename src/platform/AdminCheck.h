@@ -1,0 +1,9 @@
+#pragma once
+
+// Whether the process runs with administrator rights.
+class AdminCheck
+{
+public:
+    virtual ~AdminCheck() = default;
+    virtual bool isUserAnAdmin() const = 0;
+};

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "InputService.h"
+
+class QtInputService : public InputService
+{
+public:
+    QString inputBox(const QString& prompt, const QString& title = {}, const QString& defaultText = {}) override;
+};

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "MessageService.h"
+
+class QWidget;
+
+// Message boxes through QMessageBox, parented to the active window so they stay on top of it.
+class QtMessageService : public MessageService
+{
+public:
+    Answer message(const QString& text, int style = 0, const QString& title = {}) override;
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "AdminCheck.h"
+
+// Administrator means the effective user id 0 on Unix, membership of the Administrators group on Windows.
+class SystemAdminCheck : public AdminCheck
+{
+public:
+    bool isUserAnAdmin() const override;
+};

@@ -1,0 +1,41 @@
+# The windows: Options and the two browsers, the platform services they use, and the `quillary` program.
+if(UNIX AND NOT APPLE)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
+endif()
+
+add_library(quillary_widgets STATIC
+    platform/AdminCheck.h
+    platform/AppProgramEnd.cpp platform/AppProgramEnd.h
+    platform/DesktopShellService.cpp platform/DesktopShellService.h
+    platform/InputService.h
+    platform/MediaPlayer.h
+    platform/MessageService.h
+    platform/ProgramEnd.h
+    platform/QtInputService.cpp platform/QtInputService.h
+    platform/QtMessageService.cpp platform/QtMessageService.h
+    platform/Services.h
+    platform/ShellService.h
+    platform/SilentMediaPlayer.h
+    platform/SystemAdminCheck.cpp platform/SystemAdminCheck.h
+    platform/SystemServices.cpp platform/SystemServices.h
+    platform/Twips.cpp platform/Twips.h
+    browser/BrowserControls.h
+    browser/BrowserFlavour.cpp browser/BrowserFlavour.h
+    browser/BrowserWindow.cpp browser/BrowserWindow.h
+    browser/ClassicLook.cpp browser/ClassicLook.h
+    browser/ClickableFrame.cpp browser/ClickableFrame.h
+    browser/ClickableLabel.cpp browser/ClickableLabel.h
+    browser/Pictures.cpp browser/Pictures.h
+    startup/OptionsControls.h
+    startup/OptionsWindow.cpp startup/OptionsWindow.h
+)
+set_target_properties(quillary_widgets PROPERTIES AUTOMOC ON)
+target_link_libraries(quillary_widgets PUBLIC quillary_core Qt6::Widgets)
+if(TARGET Qt6::DBus)
+    target_link_libraries(quillary_widgets PRIVATE Qt6::DBus)
+    target_compile_definitions(quillary_widgets PRIVATE QUILLARY_HAVE_DBUS)
+endif()
+
+add_executable(quillary WIN32 app/main.cpp)
+target_link_libraries(quillary PRIVATE quillary_widgets)
+install(TARGETS quillary RUNTIME DESTINATION bin)
