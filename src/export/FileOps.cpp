@@ -5,10 +5,12 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
+#include <QTemporaryFile>
 #include <cerrno>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include <filesystem>
+#else
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -31,6 +33,12 @@ QByteArray parentOf(const QByteArray& path)
 }
 
 } // namespace
+
+int FileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce)
+{
+    Pending pending = prepare(path, produce);
+    return pending.error != 0 ? pending.error : commit(pending);
+}
 
 #ifndef _WIN32
 
@@ -128,36 +136,59 @@ int SystemFileOps::probe(const QByteArray& path)
     return dir ? int(RuntimeError::PathFileAccess) : 0; // a folder cannot be opened as a file
 }
 
-int SystemFileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce)
+FileOps::Pending SystemFileOps::prepare(const QByteArray& path, const std::function<bool(Output&)>& produce)
 {
+    Pending pending{path, {}, 0};
     struct stat st;
     if (::stat(path.constData(), &st) == 0) {
         // What opening the file for output would refuse: a folder in the way, or a file we may not write.
-        if (S_ISDIR(st.st_mode) || ::access(path.constData(), W_OK) != 0)
-            return RuntimeError::PathFileAccess;
+        if (S_ISDIR(st.st_mode) || ::access(path.constData(), W_OK) != 0) {
+            pending.error = RuntimeError::PathFileAccess;
+            return pending;
+        }
     }
+    // A short name of our own: the target's name plus a suffix could pass the file system's name limit.
     QByteArray temp = parentOf(path) + Separator + ".quillary-XXXXXX";
     const int fd = ::mkostemp(temp.data(), O_CLOEXEC);
-    if (fd < 0)
-        return errorFor(errno, path);
+    if (fd < 0) {
+        pending.error = errorFor(errno, path);
+        return pending;
+    }
     ::fchmod(fd, creationMode());
     FdOutput out(fd);
-    const bool produced = produce(out);
-    bool ok = produced && out.flush();
+    bool ok = produce(out) && out.flush();
     int err = out.error();
     if (::close(fd) != 0 && ok) {
         ok = false;
         err = errno;
     }
-    if (ok && ::rename(temp.constData(), path.constData()) != 0) {
-        ok = false;
-        err = errno;
-    }
     if (!ok) {
         ::unlink(temp.constData());
-        return err ? errorFor(err, path) : int(RuntimeError::DeviceIO);
+        pending.error = err ? errorFor(err, path) : int(RuntimeError::DeviceIO);
+        return pending;
     }
+    pending.temp = temp;
+    return pending;
+}
+
+int SystemFileOps::commit(Pending& pending)
+{
+    if (pending.error != 0)
+        return pending.error;
+    if (::rename(pending.temp.constData(), pending.path.constData()) != 0) {
+        const int err = errno;
+        discard(pending);
+        return errorFor(err, pending.path);
+    }
+    pending.temp.clear();
     return 0;
+}
+
+void SystemFileOps::discard(Pending& pending)
+{
+    if (!pending.temp.isEmpty())
+        ::unlink(pending.temp.constData());
+    pending.temp.clear();
 }
 
 #else
@@ -219,18 +250,53 @@ int SystemFileOps::probe(const QByteArray& path)
     return fromFileError(f.error(), p);
 }
 
-int SystemFileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce)
+FileOps::Pending SystemFileOps::prepare(const QByteArray& path, const std::function<bool(Output&)>& produce)
 {
+    Pending pending{path, {}, 0};
     const QString p = toPath(path);
-    if (QFileInfo(p).isDir())
-        return RuntimeError::PathFileAccess;
-    QSaveFile f(p);
-    if (!f.open(QIODevice::WriteOnly))
-        return fromFileError(f.error(), p);
+    if (QFileInfo(p).isDir()) {
+        pending.error = RuntimeError::PathFileAccess;
+        return pending;
+    }
+    QTemporaryFile f(QFileInfo(p).path() + QStringLiteral("/.quillary-XXXXXX"));
+    f.setAutoRemove(false);
+    if (!f.open()) {
+        pending.error = fromFileError(f.error(), p);
+        return pending;
+    }
     DeviceOutput out(f);
-    if (!produce(out) || !f.commit())
-        return f.error() == QFileDevice::NoError ? int(RuntimeError::DeviceIO) : fromFileError(f.error(), p);
+    const bool ok = produce(out) && f.flush();
+    const QFileDevice::FileError e = f.error();
+    f.close();
+    if (!ok) {
+        QFile::remove(f.fileName());
+        pending.error = e == QFileDevice::NoError ? int(RuntimeError::DeviceIO) : fromFileError(e, p);
+        return pending;
+    }
+    pending.temp = QFile::encodeName(f.fileName());
+    return pending;
+}
+
+int SystemFileOps::commit(Pending& pending)
+{
+    if (pending.error != 0)
+        return pending.error;
+    std::error_code ec;
+    std::filesystem::rename(std::filesystem::u8path(pending.temp.toStdString()),
+                            std::filesystem::u8path(pending.path.toStdString()), ec); // replaces the target
+    if (ec) {
+        discard(pending);
+        return RuntimeError::PathFileAccess;
+    }
+    pending.temp.clear();
     return 0;
+}
+
+void SystemFileOps::discard(Pending& pending)
+{
+    if (!pending.temp.isEmpty())
+        QFile::remove(QFile::decodeName(pending.temp));
+    pending.temp.clear();
 }
 
 #endif

@@ -25,9 +25,24 @@ public:
     // exist, 76 when a folder on its way does not.
     virtual int probe(const QByteArray& path) = 0;
 
-    // Writes `path` anew with what `produce` gives. The new content goes to a file beside it and replaces the
-    // old one only once complete, so a failure never leaves a half-written file where a good one stood.
-    virtual int writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce) = 0;
+    // A file written beside its target, waiting to replace it.
+    struct Pending
+    {
+        QByteArray path;
+        QByteArray temp;
+        int error = 0; // what stopped the writing, or 0
+    };
+
+    // Writes what `produce` gives into a new file beside `path`; `path` itself is not touched yet. May run on
+    // several threads at once.
+    virtual Pending prepare(const QByteArray& path, const std::function<bool(Output&)>& produce) = 0;
+    // Puts a prepared file in place of its target, replacing any file there in one step.
+    virtual int commit(Pending& pending) = 0;
+    // Throws a prepared file away.
+    virtual void discard(Pending& pending) = 0;
+
+    // Writes `path` anew: a failure never leaves a half-written file where a good one stood.
+    int writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce);
 };
 
 class SystemFileOps : public FileOps
@@ -35,5 +50,7 @@ class SystemFileOps : public FileOps
 public:
     int ensureDirectory(const QByteArray& path) override;
     int probe(const QByteArray& path) override;
-    int writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce) override;
+    Pending prepare(const QByteArray& path, const std::function<bool(Output&)>& produce) override;
+    int commit(Pending& pending) override;
+    void discard(Pending& pending) override;
 };

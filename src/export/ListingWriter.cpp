@@ -3,6 +3,7 @@
 #include "common/NativeText.h"
 
 #include <QLocale>
+#include <algorithm>
 
 QString ListingFile::fileName(Kind kind, const QString& name)
 {
@@ -39,19 +40,19 @@ bool ListingFile::writeTo(FileOps::Output& out) const
     line(parentLine);
     line(title);
     line(QString());
-    const qint64 available = result ? result->count(list) : 0;
-    constexpr qsizetype Flush = 1 << 20;
-    buf.reserve(Flush + 64 * 1024);
-    for (qint64 row = 0; row < rows; ++row) {
-        if (row < available)
-            result->appendEntry(list, row, buf);
-        buf.append("\r\n", 2);
-        if (buf.size() >= Flush) {
+    const qint64 available = result ? std::min(result->count(list), rows) : 0;
+    constexpr qint64 Batch = 4096;
+    buf.reserve(1 << 20);
+    for (qint64 row = 0; row < available; row += Batch) {
+        result->appendLines(list, row, std::min(row + Batch, available), "\r\n", buf);
+        if (buf.size() >= (1 << 20)) {
             if (!out.write(buf.constData(), buf.size()))
                 return false;
             buf.clear();
         }
     }
+    for (qint64 row = available; row < rows; ++row) // rows the source does not have read as empty
+        buf.append("\r\n", 2);
     if (extraEmptyLine)
         buf.append("\r\n", 2);
     buf.append("\r\n", 2);

@@ -5,6 +5,9 @@
 #include "export/FileOps.h"
 
 #include <QElapsedTimer>
+#include <algorithm>
+#include <atomic>
+#include <thread>
 
 namespace {
 
@@ -48,14 +51,40 @@ void SaveFlow::reportError(int error, Outcome& outcome)
 
 bool SaveFlow::writeAll(const std::vector<Planned>& files, Outcome& outcome)
 {
-    for (const Planned& p : files) {
-        const int error = m_ops.writeFile(CollectionFolder::native(p.path),
-                                          [&](FileOps::Output& out) { return p.file.writeTo(out); });
+    // The files are produced side by side, the largest first, then put in place one after another in their
+    // order: after a failure the user finds exactly what writing them one by one would have left.
+    std::vector<FileOps::Pending> pending(files.size());
+    std::vector<std::size_t> claimOrder(files.size());
+    for (std::size_t k = 0; k < files.size(); ++k)
+        claimOrder[k] = k;
+    std::stable_sort(claimOrder.begin(), claimOrder.end(), [&](std::size_t a, std::size_t b) {
+        return files[a].file.list == ScanResult::List::FilePaths && files[b].file.list != ScanResult::List::FilePaths;
+    });
+    std::atomic<std::size_t> next{0};
+    const auto work = [&] {
+        for (std::size_t k; (k = next.fetch_add(1)) < files.size();) {
+            const Planned& p = files[claimOrder[k]];
+            pending[claimOrder[k]] = m_ops.prepare(CollectionFolder::native(p.path),
+                                                   [&](FileOps::Output& out) { return p.file.writeTo(out); });
+        }
+    };
+    const std::size_t helpers = std::min<std::size_t>(files.size(), std::max(1u, std::thread::hardware_concurrency())) - 1;
+    std::vector<std::thread> threads;
+    for (std::size_t t = 0; t < helpers; ++t)
+        threads.emplace_back(work);
+    work();
+    for (std::thread& t : threads)
+        t.join();
+
+    for (std::size_t k = 0; k < files.size(); ++k) {
+        const int error = m_ops.commit(pending[k]);
         if (error != 0) {
+            for (std::size_t rest = k; rest < files.size(); ++rest)
+                m_ops.discard(pending[rest]);
             reportError(error, outcome);
             return false;
         }
-        outcome.written.append(p.path);
+        outcome.written.append(files[k].path);
     }
     return true;
 }

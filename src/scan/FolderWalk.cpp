@@ -20,7 +20,12 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <sys/syscall.h>
 #endif
+#endif
+#include <fstream>
+#include <unordered_set>
 
 namespace {
 
@@ -117,6 +122,8 @@ struct Shared
     std::size_t pending = 0; // queued plus being read
     std::uint32_t nextId = 1;
     std::uint64_t rootDev = 0;
+    bool mountsKnown = false;                   // the mount table could be read
+    std::unordered_set<std::string> mountPoints; // mount points below the start folder
     std::atomic<std::size_t> nameBytes{0};
 };
 
@@ -274,6 +281,61 @@ private:
     }
 
 #ifndef _WIN32
+    // Calls `take(name, d_type)` for each entry but "." and ".."; false when the folder cannot be listed.
+    template <typename Take> bool forEachEntry(int dfd, Take&& take)
+    {
+#ifdef __linux__
+        // getdents64 straight on our descriptor: no second descriptor and no DIR stream to set up per folder.
+        for (;;) {
+            const long n = ::syscall(SYS_getdents64, dfd, m_dents.data(), m_dents.size());
+            if (n < 0) {
+                if (errno == EINTR)
+                    continue;
+                return false;
+            }
+            if (n == 0)
+                return true;
+            for (long off = 0; off < n;) {
+                const auto* d = reinterpret_cast<const Dirent64*>(m_dents.data() + off);
+                const char* name = d->d_name;
+                if (!(name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))))
+                    take(name, d->d_type);
+                off += d->d_reclen;
+            }
+        }
+#else
+        const int listFd = ::dup(dfd); // fdopendir takes its descriptor; ours stays for stat and openat
+        DIR* dir = listFd >= 0 ? ::fdopendir(listFd) : nullptr;
+        if (!dir) {
+            if (listFd >= 0)
+                ::close(listFd);
+            return false;
+        }
+        while (const dirent* d = ::readdir(dir)) {
+            const char* name = d->d_name;
+            if (!(name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))))
+                take(name, d->d_type);
+        }
+        ::closedir(dir);
+        return true;
+#endif
+    }
+
+    bool isMountPoint(const Item& item, int dfd, const char* name)
+    {
+        if (m_shared.mountPoints.empty())
+            return false;
+        if (item.path.empty()) { // deep enough to have no path: ask the file system
+            struct stat st;
+            return ::fstatat(dfd, name, &st, AT_SYMLINK_NOFOLLOW) == 0 && std::uint64_t(st.st_dev) != m_shared.rootDev;
+        }
+        std::string p = item.path;
+        if (p.back() != Separator)
+            p.push_back(Separator);
+        p.append(name);
+        return m_shared.mountPoints.count(p) != 0;
+    }
+
     bool list(const Item& item, RawDir& self, int& dfd)
     {
         dfd = item.fd >= 0 ? item.fd : ::open(item.path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
@@ -282,31 +344,27 @@ private:
                                                                                : DirState::Unreadable;
             return false;
         }
-        const int listFd = ::dup(dfd); // fdopendir takes its descriptor; ours stays for stat and openat
-        DIR* dir = listFd >= 0 ? ::fdopendir(listFd) : nullptr;
-        if (!dir) {
-            if (listFd >= 0)
-                ::close(listFd);
-            self.state = DirState::Unreadable;
-            return true; // listed, but nothing in it can be read
-        }
-        while (const dirent* d = ::readdir(dir)) {
-            const char* n = d->d_name;
-            if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
-                continue;
+        const bool listed = forEachEntry(dfd, [&](const char* n, unsigned char type) {
+            if (type == DT_DIR && m_shared.mountsKnown) {
+                // A folder needs no stat of its own: its size is what is below it, and whether it is a mount
+                // point the mount table says.
+                addEntry(n, 0, true, isMountPoint(item, dfd, n));
+                return;
+            }
             struct stat st;
             if (::fstatat(dfd, n, &st, AT_SYMLINK_NOFOLLOW) != 0) {
                 if (errno == ENOENT)
-                    continue; // gone since the folder was listed
+                    return; // gone since the folder was listed
                 // Listed but not searchable: the entry is there, its details are not.
-                const bool isDir = d->d_type == DT_DIR;
-                addEntry(n, 0, isDir, false);
-                continue;
+                addEntry(n, 0, type == DT_DIR, false);
+                return;
             }
             const bool isDir = S_ISDIR(st.st_mode);
-            addEntry(n, isDir ? 0 : std::uint64_t(st.st_size), isDir, isDir && std::uint64_t(st.st_dev) != m_shared.rootDev);
-        }
-        ::closedir(dir);
+            addEntry(n, isDir ? 0 : std::uint64_t(st.st_size), isDir,
+                     isDir && std::uint64_t(st.st_dev) != m_shared.rootDev);
+        });
+        if (!listed)
+            self.state = DirState::Unreadable; // listed by its parent, but nothing in it can be read
         return true;
     }
 
@@ -373,6 +431,17 @@ private:
     std::vector<Entry> m_entries;
     std::vector<std::uint32_t> m_order;
     std::vector<Child> m_children;
+#ifdef __linux__
+    struct Dirent64
+    {
+        std::uint64_t d_ino;
+        std::int64_t d_off;
+        unsigned short d_reclen;
+        unsigned char d_type;
+        char d_name[1];
+    };
+    std::vector<char> m_dents = std::vector<char>(64 * 1024);
+#endif
 };
 
 } // namespace
@@ -474,6 +543,44 @@ private:
     int m_fileCounter = 0;
 };
 
+#ifdef __linux__
+// Mount points strictly below `start`, from the kernel's table (octal escapes as in "/media/my\040disk").
+void loadMountPoints(const QByteArray& start, Shared& shared)
+{
+    std::ifstream in("/proc/self/mountinfo");
+    if (!in)
+        return;
+    shared.mountsKnown = true;
+    std::string prefix(start.constData(), size_t(start.size()));
+    if (prefix.empty() || prefix.back() != Separator)
+        prefix.push_back(Separator);
+    std::string line;
+    while (std::getline(in, line)) {
+        // id parent major:minor root mount-point ...
+        std::size_t pos = 0;
+        for (int field = 0; field < 4 && pos != std::string::npos; ++field)
+            pos = line.find(' ', pos + (field ? 1 : 0));
+        if (pos == std::string::npos)
+            continue;
+        const std::size_t end = line.find(' ', pos + 1);
+        const std::string raw = line.substr(pos + 1, end - pos - 1);
+        std::string point;
+        for (std::size_t i = 0; i < raw.size(); ++i) {
+            if (raw[i] == '\\' && i + 3 < raw.size()) {
+                point.push_back(char((raw[i + 1] - '0') * 64 + (raw[i + 2] - '0') * 8 + (raw[i + 3] - '0')));
+                i += 3;
+            } else {
+                point.push_back(raw[i]);
+            }
+        }
+        if (point.size() > prefix.size() && point.compare(0, prefix.size(), prefix) == 0)
+            shared.mountPoints.insert(point);
+    }
+}
+#else
+void loadMountPoints(const QByteArray&, Shared&) {}
+#endif
+
 } // namespace
 
 std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const WalkOptions& options)
@@ -500,6 +607,7 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
         struct stat st;
         if (::stat(start.constData(), &st) == 0)
             shared.rootDev = std::uint64_t(st.st_dev);
+        loadMountPoints(start, shared);
     }
 #endif
     shared.stack.push_back(Item{0, -1, start.toStdString()});

@@ -112,6 +112,33 @@ void ScanResult::appendEntry(List list, qint64 row, QByteArray& out) const
     }
 }
 
+void ScanResult::appendLines(List list, qint64 from, qint64 to, std::string_view eol, QByteArray& out) const
+{
+    if (list != List::FilePaths) {
+        for (qint64 row = from; row < to; ++row) {
+            appendEntry(list, row, out);
+            out.append(eol.data(), qsizetype(eol.size()));
+        }
+        return;
+    }
+    std::uint32_t cachedDir = UINT32_MAX;
+    QByteArray dirPrefix;
+    for (qint64 row = from; row < to; ++row) {
+        const FileEntry& f = m_files[size_t(row)];
+        if (f.dir != cachedDir) {
+            dirPrefix.clear();
+            appendDirPath(f.dir, dirPrefix);
+            if (!dirPrefix.endsWith(m_separator))
+                dirPrefix.append(m_separator);
+            cachedDir = f.dir;
+        }
+        const std::string_view name = m_names.get(f.name());
+        out.append(dirPrefix);
+        out.append(name.data(), qsizetype(name.size()));
+        out.append(eol.data(), qsizetype(eol.size()));
+    }
+}
+
 QByteArray ScanResult::entry(List list, qint64 row) const
 {
     QByteArray out;

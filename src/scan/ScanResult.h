@@ -51,6 +51,9 @@ public:
     // Entry `row` of `list` as native bytes, appended to `out` (the fast path of listings and searches).
     void appendEntry(List list, qint64 row, QByteArray& out) const;
     QByteArray entry(List list, qint64 row) const;
+    // Entries [from, to) of `list`, each followed by `eol`: what a listing file is made of, with each folder's
+    // path built once for all its files.
+    void appendLines(List list, qint64 from, qint64 to, std::string_view eol, QByteArray& out) const;
     QString text(List list, qint64 row) const;
 
     // The parts of an entry, for callers that build texts of their own.

@@ -49,12 +49,12 @@ public:
         return ensureError ? ensureError : SystemFileOps::ensureDirectory(path);
     }
     int probe(const QByteArray& path) override { return probeError ? probeError : SystemFileOps::probe(path); }
-    int writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce) override
+    Pending prepare(const QByteArray& path, const std::function<bool(Output&)>& produce) override
     {
         if (failWriteOf.isEmpty() || !path.contains(failWriteOf))
-            return SystemFileOps::writeFile(path, produce);
+            return SystemFileOps::prepare(path, produce);
         // Lets the real writer start, then makes the disk full after 100 bytes.
-        int error = SystemFileOps::writeFile(path, [&](Output& out) {
+        Pending p = SystemFileOps::prepare(path, [&](Output& out) {
             struct Failing : Output
             {
                 Output& inner;
@@ -72,7 +72,9 @@ public:
             } failing(out);
             return produce(failing);
         });
-        return error == 0 ? 0 : writeError;
+        if (p.error != 0)
+            p.error = writeError;
+        return p;
     }
 };
 
