@@ -10,9 +10,12 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <climits>
 #include <cstdlib>
+#ifndef _WIN32
 #include <sys/stat.h>
+#endif
 
 namespace {
 
@@ -68,6 +71,17 @@ private:
     std::FILE* m_err;
 };
 
+enum class FolderCheck { Ok, Missing, NotAFolder };
+
+#ifndef _WIN32
+FolderCheck checkFolder(const QByteArray& path)
+{
+    struct stat st;
+    if (::stat(path.constData(), &st) != 0)
+        return FolderCheck::Missing;
+    return S_ISDIR(st.st_mode) ? FolderCheck::Ok : FolderCheck::NotAFolder;
+}
+
 QByteArray absoluteFolder(const QByteArray& arg)
 {
     char buf[PATH_MAX];
@@ -75,6 +89,20 @@ QByteArray absoluteFolder(const QByteArray& arg)
         return QByteArray(buf);
     return arg;
 }
+#else
+FolderCheck checkFolder(const QByteArray& path)
+{
+    const QFileInfo info(QString::fromUtf8(path));
+    if (!info.exists())
+        return FolderCheck::Missing;
+    return info.isDir() ? FolderCheck::Ok : FolderCheck::NotAFolder;
+}
+
+QByteArray absoluteFolder(const QByteArray& arg)
+{
+    return QDir::toNativeSeparators(QFileInfo(QString::fromUtf8(arg)).canonicalFilePath()).toUtf8();
+}
+#endif
 
 } // namespace
 
@@ -124,12 +152,12 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
         std::fputs("quillary-list: no FOLDER given\nTry quillary-list --help.\n", err);
         return 2;
     }
-    struct stat st;
-    if (::stat(folder.constData(), &st) != 0) {
+    const FolderCheck check = checkFolder(folder);
+    if (check == FolderCheck::Missing) {
         std::fprintf(err, "quillary-list: %s: no such folder\n", folder.constData());
         return 2;
     }
-    if (!S_ISDIR(st.st_mode)) {
+    if (check == FolderCheck::NotAFolder) {
         std::fprintf(err, "quillary-list: %s: not a folder\n", folder.constData());
         return 2;
     }
@@ -137,7 +165,11 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
     const QByteArray start = absoluteFolder(folder);
     const QString startText = NativeText::toDisplay(start);
     if (!haveName) {
-        const qsizetype cut = start.lastIndexOf('/');
+#ifdef _WIN32
+        const qsizetype cut = start.lastIndexOf('\\');
+#else
+        const qsizetype cut = start.lastIndexOf('/'); // a backslash is an ordinary character in a name here
+#endif
         name = NativeText::toDisplay(start.mid(cut + 1));
     }
 
