@@ -4,14 +4,15 @@
 
 void ClickableLabel::mouseReleaseEvent(QMouseEvent* event)
 {
+    // Accepted here, so a label inside a clickable frame does not click the frame as well.
+    event->accept();
     if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
         emit clicked();
-    QLabel::mouseReleaseEvent(event);
 }
 
 void ClickableLabel::mouseDoubleClickEvent(QMouseEvent* event)
 {
+    event->accept();
     if (event->button() == Qt::LeftButton)
         emit doubleClicked();
-    QLabel::mouseDoubleClickEvent(event);
 }

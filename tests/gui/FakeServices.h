@@ -1,0 +1,116 @@
+#pragma once
+
+#include "platform/AdminCheck.h"
+#include "platform/InputService.h"
+#include "platform/MediaPlayer.h"
+#include "platform/MessageService.h"
+#include "platform/ProgramEnd.h"
+#include "platform/Services.h"
+#include "platform/ShellService.h"
+#include "platform/VolumeService.h"
+
+#include <QList>
+#include <QStringList>
+#include <deque>
+
+// Services that record what they were asked and answer from queues held per instance.
+struct FakeMessages : MessageService
+{
+    struct Call
+    {
+        QString text;
+        int style;
+        QString title;
+    };
+    QList<Call> calls;
+    std::deque<Answer> answers;
+
+    Answer message(const QString& text, int style, const QString& title) override
+    {
+        calls.append({text, style, title});
+        if (answers.empty())
+            return (style & 7) == 4 || (style & 7) == 3 ? Answer::Yes : Answer::Ok;
+        const Answer a = answers.front();
+        answers.pop_front();
+        return a;
+    }
+};
+
+struct FakeInput : InputService
+{
+    QStringList prompts;
+    std::deque<QString> answers;
+    QString inputBox(const QString& prompt, const QString&, const QString&) override
+    {
+        prompts.append(prompt);
+        if (answers.empty())
+            return {};
+        const QString a = answers.front();
+        answers.pop_front();
+        return a;
+    }
+};
+
+struct FakeAdmin : AdminCheck
+{
+    bool admin = true;
+    bool isUserAnAdmin() const override { return admin; }
+};
+
+struct FakeVolumes : VolumeService
+{
+    QList<Volume> list;
+    QList<Volume> volumes() const override { return list; }
+    Volume volumeOf(const QString& path) const override
+    {
+        Volume best;
+        for (const Volume& v : list) {
+            if ((path == v.root || path.startsWith(v.root + QLatin1Char('/'))) && v.root.size() > best.root.size())
+                best = v;
+        }
+        return best;
+    }
+};
+
+struct FakeShell : ShellService
+{
+    QStringList opened, located;
+    bool open(const QString& path) override
+    {
+        opened.append(path);
+        return true;
+    }
+    bool locate(const QString& path) override
+    {
+        located.append(path);
+        return true;
+    }
+};
+
+struct FakePlayer : MediaPlayer
+{
+    QStringList urls;
+    int closes = 0;
+    void setUrl(const QString& path) override { urls.append(path); }
+    void close() override { ++closes; }
+};
+
+struct FakeProgramEnd : ProgramEnd
+{
+    int count = 0;
+    void end() override { ++count; }
+    bool ended() const override { return count > 0; }
+};
+
+struct FakeServices
+{
+    FakeMessages messages;
+    FakeInput input;
+    FakeAdmin admin;
+    FakeVolumes volumes;
+    FakeShell shell;
+    FakePlayer player;
+    FakeProgramEnd programEnd;
+
+    Services services() { return {&messages, &input, &admin, &volumes, &shell, &player, &programEnd}; }
+};
