@@ -235,6 +235,13 @@ void BrowserWindow::buildNavigation()
                     setDir1Path(m_dirModel->filePath(current));
             });
     connect(m_ui.Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
+    // The model reads folders in the background; the current folder can only be shown once its parents are in.
+    connect(m_dirModel, &QFileSystemModel::directoryLoaded, this, [this] {
+        const QModelIndex index = m_dirModel->index(m_dir1Path);
+        if (index.isValid() && m_ui.Dir1->currentIndex() != index)
+            m_ui.Dir1->setCurrentIndex(index);
+        m_ui.Dir1->scrollTo(index);
+    });
 }
 
 void BrowserWindow::fillDrives()
