@@ -7,6 +7,7 @@
 #include "export/SaveFlow.h"
 #include "platform/VolumeService.h"
 #include "scan/FolderWalk.h"
+#include "search/ListSearch.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -21,6 +22,7 @@ namespace {
 
 const char* const Usage =
     "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] FOLDER\n"
+    "       quillary-list [--short] --search TEXT [--in folders|files] FOLDER\n"
     "\n"
     "Lists every folder and file below FOLDER and writes the four listing files of\n"
     "\"Create Text Files\":\n"
@@ -32,6 +34,10 @@ const char* const Usage =
     "  --name NAME  the name in the four file names (default: FOLDER's last component)\n"
     "  --out DIR    where to write them (default: the collection folder, ~/Quillbox)\n"
     "  --yes        replace the four files when they all exist already\n"
+    "  --search TEXT  instead of writing listings, search the folder names (with\n"
+    "               their sizes) or the file names for TEXT, ignoring case, and\n"
+    "               print the numbered results and their count as the window does\n"
+    "  --in folders|files  which list --search searches (default: files)\n"
     "  --help       show this text\n"
     "\n"
     "Exit status: 0 written; 1 the files exist and --yes was not given;\n"
@@ -108,8 +114,8 @@ QByteArray absoluteFolder(const QByteArray& arg)
 
 int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
 {
-    bool isShort = false, yes = false, haveName = false;
-    QString name, outDir;
+    bool isShort = false, yes = false, haveName = false, search = false;
+    QString name, outDir, searchText, searchIn = QStringLiteral("files");
     QByteArray folder;
     for (qsizetype i = 0; i < args.size(); ++i) {
         const QByteArray& a = args[i];
@@ -135,6 +141,17 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
         } else if (a == "--out") {
             if (!value(outDir))
                 return 2;
+        } else if (a == "--search") {
+            if (!value(searchText))
+                return 2;
+            search = true;
+        } else if (a == "--in") {
+            if (!value(searchIn))
+                return 2;
+            if (searchIn != QLatin1String("folders") && searchIn != QLatin1String("files")) {
+                std::fputs("quillary-list: --in takes folders or files\n", err);
+                return 2;
+            }
         } else if (a == "--") {
             if (i + 1 < args.size() && folder.isEmpty())
                 folder = args[++i];
@@ -188,6 +205,26 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
     const qint64 elapsed = clock.elapsed();
     if (result->limitReached())
         print(err, ScanResult::limitMessage());
+
+    if (search) {
+        const auto kind = searchIn == QLatin1String("folders") ? SearchResult::Kind::Folders : SearchResult::Kind::Files;
+        const SearchResult found = ListSearch::run(std::shared_ptr<const ScanResult>(result.get(), [](auto*) {}),
+                                                   kind, searchText);
+        if (searchText.isEmpty())
+            return 0; // the window clears its results and shows no count
+        QByteArray lines;
+        for (qint64 i = 0; i < found.count(); ++i) {
+            lines += NativeText::fromDisplay(found.line(i));
+            lines += '\n';
+            if (lines.size() > (1 << 20)) {
+                std::fwrite(lines.constData(), 1, size_t(lines.size()), out);
+                lines.clear();
+            }
+        }
+        std::fwrite(lines.constData(), 1, size_t(lines.size()), out);
+        print(out, found.countCaption());
+        return 0;
+    }
 
     if (result->noFolderFound())
         print(out, QString::fromLatin1(ScanResult::NoFolderFound.data(), qsizetype(ScanResult::NoFolderFound.size())));

@@ -63,6 +63,9 @@ public:
     QByteArray folderPath(qint64 folder) const { return dirPath(std::uint32_t(folder + 1)); }
     QByteArray filePath(qint64 file) const;
 
+    // True when some name entries stand in for paths too long to take apart (see shownName).
+    bool hasStaleNames() const { return !m_staleNames.empty(); }
+
     // What the next scan of the same window starts from: the size and name its last entry computation left.
     Carry carryOut() const { return m_carryOut; }
 
@@ -74,6 +77,7 @@ public:
 
 private:
     friend class FolderWalk;
+    friend class ScanResultBuilder;
 
     struct DirNode
     {

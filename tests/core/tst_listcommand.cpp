@@ -87,6 +87,25 @@ private slots:
         QVERIFY(r.err.isEmpty());
     }
 
+    void searchFromTheCommandLine()
+    {
+        TreeBuilder t;
+        t.file("My Photos/a.JPG", 3072);
+        t.file("PHOTOGRAPHS/b.jpg");
+        t.file("music/photo.mp3");
+        const QString root = QFile::decodeName(t.root());
+        Run r = list({QStringLiteral("--search"), QStringLiteral("photo"), QStringLiteral("--in"), QStringLiteral("folders"), root});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(r.out, QByteArray("# 00002. My Photos (3kB)\n# 00003. PHOTOGRAPHS (0kB)\n Folders Found: 2 \n"));
+        r = list({QStringLiteral("--search"), QStringLiteral(".JPG"), root});
+        QCOMPARE(r.out, QByteArray("# 00002. a.JPG\n# 00003. b.jpg\n Files Found: 2 \n"));
+        r = list({QStringLiteral("--search"), QString(), root});
+        QCOMPARE(r.out, QByteArray());
+        r = list({QStringLiteral("--search"), QStringLiteral("x"), QStringLiteral("--in"), QStringLiteral("rows"), root});
+        QCOMPARE(r.code, 2);
+        QVERIFY(!QDir(box()).exists(QStringLiteral("Files List - ") + QFileInfo(root).fileName() + QStringLiteral(".txt")));
+    }
+
     void badInput()
     {
         TreeBuilder t;

@@ -1,0 +1,100 @@
+#include "scan/ScanResultBuilder.h"
+#include "search/ListSearch.h"
+
+#include <QTest>
+
+namespace {
+
+std::shared_ptr<const ScanResult> scanOf(const QList<QByteArray>& folders, const QList<QByteArray>& files)
+{
+    ScanResultBuilder b("/data");
+    for (const QByteArray& f : folders)
+        b.setParent(b.addFolder({f.constData(), size_t(f.size())}, 12), 0);
+    for (const QByteArray& f : files)
+        b.addFile(0, {f.constData(), size_t(f.size())});
+    return b.finish();
+}
+
+QStringList lines(const SearchResult& r)
+{
+    QStringList out;
+    for (qint64 i = 0; i < r.count(); ++i)
+        out.append(r.line(i));
+    return out;
+}
+
+} // namespace
+
+class TestListSearch : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void matching()
+    {
+        const QString photo = QStringLiteral("photo");
+        QVERIFY(ListSearch::matches("C:\\My Photos", photo));
+        QVERIFY(ListSearch::matches("PHOTOGRAPHS", photo));
+        QVERIFY(!ListSearch::matches("phot", photo));
+        QVERIFY(ListSearch::matches("A", QStringLiteral("a")));
+        QVERIFY(!ListSearch::matches("Abc", QStringLiteral("a*"))); // no wildcards
+        QVERIFY(ListSearch::matches("xA*y", QStringLiteral("a*")));
+        QVERIFY(ListSearch::matches("caf\xc3\xa9", QStringLiteral("CAFÉ")));
+        QVERIFY(ListSearch::matches("CAF\xc3\x89", QStringLiteral("café")));
+        QVERIFY(ListSearch::matches("d\xc4\xb1nner", QStringLiteral("DINN"))); // dotless i upper-cases to I
+        QVERIFY(ListSearch::matches("bad\xff name", QStringLiteral("NAME")));
+        QVERIFY(!ListSearch::matches("anything", QString()));
+    }
+
+    void resultLinesAndCounts()
+    {
+        QCOMPARE(ListSearch::resultLine(42, QStringLiteral("C:\\DATA\\PHOTOS")), QStringLiteral("# 00042. C:\\DATA\\PHOTOS"));
+        QCOMPARE(ListSearch::resultLine(1, QStringLiteral("x")), QStringLiteral("# 00001. x"));
+        QCOMPARE(ListSearch::resultLine(123456, QStringLiteral("x")), QStringLiteral("# 123456. x"));
+        QCOMPARE(ListSearch::countCaption(SearchResult::Kind::Folders, 3), QStringLiteral(" Folders Found: 3 "));
+        QCOMPARE(ListSearch::countCaption(SearchResult::Kind::Files, 0), QStringLiteral(" Files Found: 0 "));
+    }
+
+    void searchesTheNameLists()
+    {
+        auto scan = scanOf({"Photos", "music", "PHOTOGRAPHS"}, {"a.jpg", "photo.png", "b.txt", "Photo2.PNG"});
+        // Folders are searched in their list text, size included.
+        SearchResult r = ListSearch::run(scan, SearchResult::Kind::Folders, QStringLiteral("photo"));
+        QCOMPARE(lines(r), QStringList({QStringLiteral("# 00001. Photos (12kB)"), QStringLiteral("# 00003. PHOTOGRAPHS (12kB)")}));
+        QCOMPARE(r.countCaption(), QStringLiteral(" Folders Found: 2 "));
+        QCOMPARE(ListSearch::run(scan, SearchResult::Kind::Folders, QStringLiteral("kb)")).count(), 3);
+
+        r = ListSearch::run(scan, SearchResult::Kind::Files, QStringLiteral(".png"));
+        QCOMPARE(lines(r), QStringList({QStringLiteral("# 00002. photo.png"), QStringLiteral("# 00004. Photo2.PNG")}));
+        QCOMPARE(r.serial(1), 4);
+        QCOMPARE(r.countCaption(), QStringLiteral(" Files Found: 2 "));
+
+        r = ListSearch::run(scan, SearchResult::Kind::Files, QStringLiteral("zzz"));
+        QCOMPARE(r.count(), 0);
+        QCOMPARE(r.countCaption(), QStringLiteral(" Files Found: 0 "));
+        QCOMPARE(ListSearch::run(scan, SearchResult::Kind::Files, QString()).count(), 0);
+
+        // With no folder, the one folder entry is the "NO FOLDER FOUND" line, and it can be found.
+        auto none = scanOf({}, {"x"});
+        QCOMPARE(lines(ListSearch::run(none, SearchResult::Kind::Folders, QStringLiteral("found"))),
+                 QStringList({QStringLiteral("# 00001. NO FOLDER FOUND")}));
+    }
+
+    void resultsOutliveTheirScanAndSplitAcrossThreads()
+    {
+        QList<QByteArray> many;
+        for (int i = 0; i < 200000; ++i)
+            many.append("file-" + QByteArray::number(i) + (i % 3 ? ".txt" : ".JPG"));
+        auto scan = scanOf({}, many);
+        const SearchResult one = ListSearch::run(scan, SearchResult::Kind::Files, QStringLiteral(".jpg"), 1);
+        const SearchResult four = ListSearch::run(scan, SearchResult::Kind::Files, QStringLiteral(".jpg"), 4);
+        QCOMPARE(one.count(), 66667);
+        QCOMPARE(four.rows, one.rows);
+        QCOMPARE(four.line(66666), QStringLiteral("# 199999. file-199998.JPG"));
+        scan.reset(); // a new scan replaces the window's: the results still read as found
+        QCOMPARE(four.line(0), QStringLiteral("# 00001. file-0.JPG"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestListSearch)
+#include "tst_listsearch.moc"
