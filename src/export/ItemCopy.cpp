@@ -1,0 +1,289 @@
+#include "ItemCopy.h"
+
+#include "common/RuntimeError.h"
+
+#include <QDir>
+#include <QFile>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <vector>
+
+#ifndef _WIN32
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace ItemCopy {
+
+#ifndef _WIN32
+
+namespace {
+
+constexpr char Separator = '/';
+
+bool isDirectory(const QByteArray& path)
+{
+    struct stat st;
+    return ::stat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+QByteArray parentOf(const QByteArray& path)
+{
+    const qsizetype cut = path.lastIndexOf(Separator);
+    return cut <= 0 ? path.left(1) : path.left(cut);
+}
+
+int errorFor(int err, const QByteArray& pathOfConcern)
+{
+    return RuntimeError::fromErrno(err, err == ENOENT && !isDirectory(parentOf(pathOfConcern)));
+}
+
+// The bytes of `in` into `out`; errno of the first failure, or 0.
+int pump(int in, int out)
+{
+    std::vector<char> buf(1 << 20);
+    for (;;) {
+        const ssize_t n = ::read(in, buf.data(), buf.size());
+        if (n == 0)
+            return 0;
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            return errno;
+        }
+        for (ssize_t done = 0; done < n;) {
+            const ssize_t w = ::write(out, buf.data() + done, size_t(n - done));
+            if (w < 0) {
+                if (errno == EINTR)
+                    continue;
+                return errno;
+            }
+            done += w;
+        }
+    }
+}
+
+} // namespace
+
+bool fileExists(const QByteArray& path)
+{
+    struct stat st;
+    return ::lstat(path.constData(), &st) == 0 && !S_ISDIR(st.st_mode);
+}
+
+int copyFile(const QByteArray& source, const QByteArray& target)
+{
+    struct stat st;
+    if (::lstat(source.constData(), &st) != 0)
+        return errorFor(errno, source);
+    if (S_ISDIR(st.st_mode))
+        return RuntimeError::PathFileAccess;
+    if (S_ISLNK(st.st_mode)) {
+        // A link is copied as a link, never followed (as the walk lists it).
+        QByteArray link(qsizetype(st.st_size) + 1, '\0');
+        const ssize_t n = ::readlink(source.constData(), link.data(), size_t(link.size()));
+        if (n < 0)
+            return errorFor(errno, source);
+        link.truncate(n);
+        QByteArray temp = parentOf(target) + Separator + ".quillary-link-XXXXXX";
+        const int probe = ::mkstemp(temp.data()); // a unique name; the link takes its place
+        if (probe < 0)
+            return errorFor(errno, target);
+        ::close(probe);
+        ::unlink(temp.constData());
+        if (::symlink(link.constData(), temp.constData()) != 0)
+            return errorFor(errno, target);
+        if (::rename(temp.constData(), target.constData()) != 0) {
+            const int err = errno;
+            ::unlink(temp.constData());
+            return errorFor(err, target);
+        }
+        return 0;
+    }
+    if (!S_ISREG(st.st_mode))
+        return RuntimeError::PathFileAccess; // a pipe, socket or device has no content to copy
+    struct stat tst;
+    if (::stat(target.constData(), &tst) == 0 && S_ISDIR(tst.st_mode))
+        return RuntimeError::PathFileAccess;
+
+    const int in = ::open(source.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (in < 0)
+        return errorFor(errno, source);
+    QByteArray temp = parentOf(target) + Separator + ".quillary-XXXXXX";
+    const int out = ::mkostemp(temp.data(), O_CLOEXEC);
+    if (out < 0) {
+        const int err = errno;
+        ::close(in);
+        return errorFor(err, target);
+    }
+    int err = pump(in, out);
+    ::fchmod(out, st.st_mode & 07777);
+    ::close(in);
+    if (::close(out) != 0 && err == 0)
+        err = errno;
+    if (err == 0 && ::rename(temp.constData(), target.constData()) != 0)
+        err = errno;
+    if (err != 0) {
+        ::unlink(temp.constData());
+        return errorFor(err, target);
+    }
+    return 0;
+}
+
+TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb)
+{
+    TreeOutcome outcome;
+    struct Pair
+    {
+        QByteArray from, to;
+    };
+    // First the folders and files to copy, so the progress window can show how far it has got.
+    std::vector<Pair> folders, files;
+    QByteArray base = source;
+    while (base.size() > 1 && base.endsWith(Separator))
+        base.chop(1);
+    const QByteArray name = base.mid(base.lastIndexOf(Separator) + 1);
+    std::vector<Pair> pending{{base, destination + Separator + name}};
+    while (!pending.empty()) {
+        Pair dir = std::move(pending.back());
+        pending.pop_back();
+        folders.push_back(dir);
+        DIR* d = ::opendir(dir.from.constData());
+        if (!d) {
+            if (cb.problem)
+                cb.problem(dir.from, errorFor(errno, dir.from));
+            ++outcome.skipped;
+            continue;
+        }
+        while (const dirent* e = ::readdir(d)) {
+            const char* n = e->d_name;
+            if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
+                continue;
+            Pair child{dir.from + Separator + n, dir.to + Separator + n};
+            struct stat st;
+            if (::lstat(child.from.constData(), &st) != 0)
+                continue; // gone meanwhile
+            if (S_ISDIR(st.st_mode))
+                pending.push_back(std::move(child));
+            else
+                files.push_back(std::move(child));
+        }
+        ::closedir(d);
+    }
+
+    for (const Pair& dir : folders) {
+        if (::mkdir(dir.to.constData(), 0777) != 0 && errno != EEXIST && cb.problem)
+            cb.problem(dir.to, errorFor(errno, dir.to));
+    }
+    bool replaceAll = false;
+    const qint64 total = qint64(files.size());
+    for (qint64 k = 0; k < total; ++k) {
+        const Pair& f = files[size_t(k)];
+        if (cb.progress && !cb.progress(k, total, f.from)) {
+            outcome.cancelled = true;
+            return outcome;
+        }
+        if (fileExists(f.to) && !replaceAll) {
+            const Reply reply = cb.confirmReplace ? cb.confirmReplace(f.to) : Reply::Yes;
+            if (reply == Reply::Cancel) {
+                outcome.cancelled = true;
+                return outcome;
+            }
+            if (reply == Reply::No) {
+                ++outcome.skipped;
+                continue;
+            }
+            replaceAll = reply == Reply::YesToAll;
+        }
+        const int error = copyFile(f.from, f.to);
+        if (error != 0) {
+            ++outcome.skipped;
+            if (cb.problem)
+                cb.problem(f.from, error);
+            continue;
+        }
+        ++outcome.copied;
+    }
+    if (cb.progress)
+        cb.progress(total, total, {});
+    return outcome;
+}
+
+#else
+
+// Windows: the same contract through Qt's file classes.
+bool fileExists(const QByteArray& path)
+{
+    const QFileInfo info(QString::fromUtf8(path));
+    return info.exists() && !info.isDir();
+}
+
+int copyFile(const QByteArray& source, const QByteArray& target)
+{
+    const QString from = QString::fromUtf8(source), to = QString::fromUtf8(target);
+    if (!QFileInfo::exists(from))
+        return RuntimeError::FileNotFound;
+    if (!QFileInfo(QFileInfo(to).path()).isDir())
+        return RuntimeError::PathNotFound;
+    const QString temp = to + QStringLiteral(".quillary-copy");
+    QFile::remove(temp);
+    if (!QFile::copy(from, temp))
+        return RuntimeError::PathFileAccess;
+    QFile::remove(to);
+    return QFile::rename(temp, to) ? 0 : int(RuntimeError::PathFileAccess);
+}
+
+TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb)
+{
+    TreeOutcome outcome;
+    const QDir src(QString::fromUtf8(source));
+    const QString root = QString::fromUtf8(destination) + QLatin1Char('/') + src.dirName();
+    QStringList files;
+    QDirIterator it(src.path(), QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    QDir().mkpath(root);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        const QString rel = src.relativeFilePath(path);
+        if (it.fileInfo().isDir() && !it.fileInfo().isSymLink())
+            QDir().mkpath(root + QLatin1Char('/') + rel);
+        else
+            files.append(rel);
+    }
+    bool replaceAll = false;
+    for (qint64 k = 0; k < files.size(); ++k) {
+        const QByteArray from = (src.path() + QLatin1Char('/') + files[k]).toUtf8();
+        const QByteArray to = (root + QLatin1Char('/') + files[k]).toUtf8();
+        if (cb.progress && !cb.progress(k, files.size(), from)) {
+            outcome.cancelled = true;
+            return outcome;
+        }
+        if (fileExists(to) && !replaceAll) {
+            const Reply reply = cb.confirmReplace ? cb.confirmReplace(to) : Reply::Yes;
+            if (reply == Reply::Cancel) {
+                outcome.cancelled = true;
+                return outcome;
+            }
+            if (reply == Reply::No) {
+                ++outcome.skipped;
+                continue;
+            }
+            replaceAll = reply == Reply::YesToAll;
+        }
+        if (const int error = copyFile(from, to)) {
+            ++outcome.skipped;
+            if (cb.problem)
+                cb.problem(from, error);
+            continue;
+        }
+        ++outcome.copied;
+    }
+    return outcome;
+}
+
+#endif
+
+} // namespace ItemCopy

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QByteArray>
+#include <functional>
+
+// Copies of listed items into the collection folder. Each file is copied beside its target and renamed over it
+// at the end, so no half-written file is ever left under the target's name. Paths are native bytes.
+namespace ItemCopy {
+
+// Copies one file to `target`, replacing a file already there; the run-time error number, or 0.
+int copyFile(const QByteArray& source, const QByteArray& target);
+
+// True when `path` names a file (not a folder) that exists.
+bool fileExists(const QByteArray& path);
+
+enum class Reply { Yes, YesToAll, No, Cancel };
+
+// What a folder copy asks and tells while it runs; the window shows a progress window and its questions.
+struct TreeCallbacks
+{
+    // A file of that name is in the way: replace it?
+    std::function<Reply(const QByteArray& target)> confirmReplace;
+    // `done` of `total` files copied; `current` is being copied now. Returning false cancels.
+    std::function<bool(qint64 done, qint64 total, const QByteArray& current)> progress;
+    // Something could not be copied (with its run-time error number); the copy goes on with the rest.
+    std::function<void(const QByteArray& path, int error)> problem;
+};
+
+struct TreeOutcome
+{
+    qint64 copied = 0;
+    qint64 skipped = 0; // answered No, or could not be copied
+    bool cancelled = false;
+};
+
+// Copies the folder `source`, with everything under it, into `destination` (as destination/name-of-source),
+// merging with what is there. Links are copied as links; pipes, sockets and devices are not copied.
+TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& callbacks);
+
+} // namespace ItemCopy
