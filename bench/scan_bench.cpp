@@ -1,4 +1,4 @@
-// quillary-bench FOLDER [OUTDIR]: walks FOLDER (no limit) and writes its four listings into OUTDIR, printing
+// quillary-bench FOLDER [OUTDIR [THREADS]]: walks FOLDER (no limit) and writes its four listings into OUTDIR, printing
 // how long each step took and what the scan result costs per entry.
 #include "export/FileOps.h"
 #include "export/SaveFlow.h"
@@ -33,7 +33,9 @@ int main(int argc, char** argv)
 
     QElapsedTimer clock;
     clock.start();
-    const auto result = FolderWalk::run(folder);
+    WalkOptions options;
+    options.threads = argc > 3 ? QByteArray(argv[3]).toInt() : 0;
+    const auto result = FolderWalk::run(folder, options);
     const qint64 walkMs = clock.elapsed();
     const qint64 entries = result->folderCount() + result->fileCount();
 
