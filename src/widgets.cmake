@@ -25,7 +25,13 @@ add_library(quillary_widgets STATIC
     browser/ClassicLook.cpp browser/ClassicLook.h
     browser/ClickableFrame.cpp browser/ClickableFrame.h
     browser/ClickableLabel.cpp browser/ClickableLabel.h
+    browser/ListingDriver.cpp browser/ListingDriver.h
     browser/Pictures.cpp browser/Pictures.h
+    browser/ResultGrid.cpp browser/ResultGrid.h
+    browser/ResultGridModel.cpp browser/ResultGridModel.h
+    browser/ResultList.cpp browser/ResultList.h
+    browser/ResultListModel.cpp browser/ResultListModel.h
+    browser/ResultPanes.cpp browser/ResultPanes.h
     startup/OptionsControls.h
     startup/OptionsWindow.cpp startup/OptionsWindow.h
 )

@@ -50,6 +50,9 @@ const BrowserFlavour& BrowserFlavour::shortBrowser()
         s.closeLabelName = QStringLiteral("Label12");
         s.hasGoToFrame = false;
         s.pathFrameTop = 6870;
+        s.walk = ScanResult::Flavour::Short;
+        s.fileNamesBeforeSelection = false;
+        s.noFolderShowsFileCount = true;
         s.folderMenuCaption = QStringLiteral("PopUpMenu2");
         s.folderMenuNames = {QStringLiteral("OpenFolder"),        QStringLiteral("LocateThisFolder"),
                              QStringLiteral("ShowSerialNo2"),     QStringLiteral("ShowFolderPath"),
@@ -91,6 +94,9 @@ const BrowserFlavour& BrowserFlavour::longBrowser()
         l.closeLabelName = QStringLiteral("Label13");
         l.hasGoToFrame = true;
         l.pathFrameTop = 6750;
+        l.walk = ScanResult::Flavour::Long;
+        l.fileNamesBeforeSelection = true;
+        l.noFolderShowsFileCount = false;
         l.folderMenuCaption = QStringLiteral("PopupMenu2");
         l.folderMenuNames = {QStringLiteral("OpenFolder"),
                              QStringLiteral("LocateThisFolder"),

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scan/ScanResult.h"
+
 #include <QList>
 #include <QRect>
 #include <QSize>
@@ -33,6 +35,14 @@ struct BrowserFlavour
     QString closeLabelName;    // the two "Click to Close" labels of the player frame
     bool hasGoToFrame = false; // Frame5 with the go-to boxes, and the banner Image1 it takes turns with
     int pathFrameTop = 6870;
+
+    // The listing: the walk's flavour (ShortBrowser stops at 32,767 files); whether the file names are in
+    // their pane before the first entries are selected (LongBrowser's passes over its grids run straight
+    // after the walk, ShortBrowser's file-name pass at the end, so its name list starts unselected); and
+    // whether a listing without sub-folders shows the bare file count beside the file paths.
+    ScanResult::Flavour walk = ScanResult::Flavour::Short;
+    bool fileNamesBeforeSelection = false;
+    bool noFolderShowsFileCount = true;
 
     QString folderMenuCaption;
     QStringList folderMenuNames;

@@ -4,7 +4,11 @@
 #include "ClickableFrame.h"
 #include "ClickableLabel.h"
 #include "DriveCaption.h"
+#include "ListingDriver.h"
 #include "Pictures.h"
+#include "ResultGrid.h"
+#include "ResultList.h"
+#include "ResultPanes.h"
 #include "common/RuntimeError.h"
 #include "export/CollectionFolder.h"
 #include "platform/MediaPlayer.h"
@@ -24,7 +28,6 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStandardItemModel>
 #include <QStringListModel>
 #include <QTableView>
 #include <QTreeView>
@@ -138,6 +141,10 @@ BrowserWindow::BrowserWindow(const BrowserFlavour& flavour, const Services& serv
     setObjectName(flavour.objectName);
     setWindowTitle(flavour.caption);
     buildWindow();
+    m_panes = new ResultPanes(m_flavour, m_ui, this);
+    m_driver = new ListingDriver(m_flavour, m_ui, *m_panes, m_services, this);
+    connect(m_ui.List_Folders, &QPushButton::clicked, m_driver, &ListingDriver::List_Folders_Click);
+    connect(m_driver, &ListingDriver::finished, this, &BrowserWindow::scanFinished);
     Form_Load();
 }
 
@@ -260,26 +267,18 @@ void BrowserWindow::buildPanes()
     const bool grids = m_flavour.panes == BrowserFlavour::Panes::Grids;
     for (int n = 1; n <= 4; ++n) {
         if (grids) {
-            auto* grid = new QTableView(this);
+            auto* grid = new ResultGrid(this);
             grid->setObjectName(m_flavour.paneName(n));
-            grid->setModel(new QStandardItemModel(0, 1, grid));
-            grid->horizontalHeader()->hide();
-            grid->verticalHeader()->hide();
-            grid->horizontalHeader()->setStretchLastSection(true);
-            grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-            grid->setSelectionMode(QAbstractItemView::SingleSelection);
-            grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-            grid->setWordWrap(false);
             m_ui.MSFlexGrid[n] = grid;
         } else {
-            auto* list = new QListView(this);
+            auto* list = new ResultList(this);
             list->setObjectName(m_flavour.paneName(n));
-            list->setModel(new QStringListModel(list));
-            list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-            list->setUniformItemSizes(true);
             m_ui.List[n] = list;
         }
     }
+    // The file-name list allows several selected entries; its click handler relies on that.
+    if (!grids)
+        m_ui.List[4]->setSelectionMode(QAbstractItemView::ExtendedSelection);
     // The counters: folders in Frame2, file paths in Frame3, file names in Frame4 above their pane.
     m_ui.Frame2 = new QFrame(this);
     m_ui.Frame2->setObjectName(QStringLiteral("Frame2"));
@@ -530,16 +529,22 @@ void BrowserWindow::resetResults()
 
 void BrowserWindow::clearPanes()
 {
-    for (int n = 1; n <= 4; ++n) {
-        if (m_ui.List[n]) {
-            if (auto* model = qobject_cast<QStringListModel*>(m_ui.List[n]->model()))
-                model->setStringList({});
-        }
-        if (m_ui.MSFlexGrid[n]) {
-            if (auto* model = qobject_cast<QStandardItemModel*>(m_ui.MSFlexGrid[n]->model()))
-                model->setRowCount(0);
-        }
-    }
+    m_panes->clear();
+}
+
+std::shared_ptr<const ScanResult> BrowserWindow::scanResult() const
+{
+    return m_panes->result();
+}
+
+void BrowserWindow::listResult(std::shared_ptr<const ScanResult> walked)
+{
+    m_driver->list(std::move(walked));
+}
+
+int BrowserWindow::GetRClickedItem(QWidget* MyList, float X, float Y) const
+{
+    return m_panes->GetRClickedItem(MyList, X, Y);
 }
 
 void BrowserWindow::showBannerHideGoTo()
@@ -699,13 +704,16 @@ void BrowserWindow::Image6_Click()
 
 void BrowserWindow::Label11_DblClick()
 {
-    if (m_ui.Label11->text() == PleaseWait)
+    if (m_ui.Label11->text() == PleaseWait) {
+        m_driver->cancel();
         m_services.programEnd->end();
+    }
 }
 
 void BrowserWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore();
+    m_driver->cancel();
     m_services.programEnd->end();
 }
 

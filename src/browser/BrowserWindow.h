@@ -6,8 +6,12 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <memory>
 
+class ListingDriver;
 class QFileSystemModel;
+class ResultPanes;
+class ScanResult;
 
 // The browser window, in either flavour (ShortBrowser with list boxes, LongBrowser with grids): the drive
 // selector and folder tree, the result panes and their status labels, the Open/Locate mode and the ways back
@@ -30,9 +34,20 @@ public:
     // True when "Open" is the double-click mode, false for "Locate".
     bool openMode() const;
 
+    // The result panes, with the scan result they show (null before a listing and after a folder change).
+    ResultPanes& panes() const { return *m_panes; }
+    std::shared_ptr<const ScanResult> scanResult() const;
+    // A listing whose walk is over as soon as it starts, with `walked` as its outcome.
+    void listResult(std::shared_ptr<const ScanResult> walked);
+    int GetRClickedItem(QWidget* MyList, float X, float Y) const;
+
     QString DriveTypeInfo(const QString& sDrive) const;
     QString GetDriveName(const QString& driveLetter) const;
     void ShowDriveCaption();
+
+signals:
+    // A listing has ended: panes, labels and buttons show its outcome.
+    void scanFinished();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -77,6 +92,8 @@ private:
     QPointer<QWidget> m_options;
     BrowserControls m_ui;
     QFileSystemModel* m_dirModel = nullptr;
+    ResultPanes* m_panes = nullptr;
+    ListingDriver* m_driver = nullptr;
     QString m_driveText;
     QString m_dir1Path;
     bool m_applyingLayout = false;

@@ -15,7 +15,26 @@ double logicalDpi()
     return dpi > 0 ? dpi : 96.0;
 }
 
+double perPixel(bool horizontal)
+{
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    double dpi = 96.0;
+    if (screen)
+        dpi = horizontal ? screen->logicalDotsPerInchX() : screen->logicalDotsPerInchY();
+    return 1440.0 / (dpi > 0 ? dpi : 96.0);
+}
+
 } // namespace
+
+double perPixelX()
+{
+    return perPixel(true);
+}
+
+double perPixelY()
+{
+    return perPixel(false);
+}
 
 int toPx(int twips)
 {

@@ -12,6 +12,10 @@ int toPx(int twips);
 QRect toPx(const QRect& twips);
 int fromPx(int px);
 
+// The screen's TwipsPerPixelX and TwipsPerPixelY: 15 at 96 dots per inch.
+double perPixelX();
+double perPixelY();
+
 // Places `w` at a rectangle given in twips, relative to its parent.
 void place(QWidget* w, const QRect& twips);
 

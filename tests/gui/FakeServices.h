@@ -12,6 +12,7 @@
 #include <QList>
 #include <QStringList>
 #include <deque>
+#include <functional>
 
 // Services that record what they were asked and answer from queues held per instance.
 struct FakeMessages : MessageService
@@ -24,10 +25,13 @@ struct FakeMessages : MessageService
     };
     QList<Call> calls;
     std::deque<Answer> answers;
+    std::function<void()> onMessage; // runs while the box would be up
 
     Answer message(const QString& text, int style, const QString& title) override
     {
         calls.append({text, style, title});
+        if (onMessage)
+            onMessage();
         if (answers.empty())
             return (style & 7) == 4 || (style & 7) == 3 ? Answer::Yes : Answer::Ok;
         const Answer a = answers.front();

@@ -3,6 +3,8 @@
 #include "browser/BrowserWindow.h"
 #include "browser/ClickableLabel.h"
 #include "platform/Twips.h"
+#include "browser/ResultPanes.h"
+#include "scan/ScanResultBuilder.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -11,9 +13,7 @@
 #include <QListView>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStandardItemModel>
 #include <QStandardPaths>
-#include <QStringListModel>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -93,17 +93,14 @@ private slots:
                                           ? QStringLiteral(" Set Option &  Double Click Folder or File to open")
                                           : QStringLiteral("Set Option &  Double Click Folder or File to open"));
 
-        // What a listing would have left behind.
-        for (int n = 1; n <= 4; ++n) {
-            if (longVersion)
-                qobject_cast<QStandardItemModel*>(
-                    child<QTableView>(*w, qPrintable(QStringLiteral("MSFlexGrid%1").arg(n)))->model())
-                    ->setRowCount(3);
-            else
-                qobject_cast<QStringListModel*>(
-                    child<QListView>(*w, qPrintable(QStringLiteral("List%1").arg(n)))->model())
-                    ->setStringList({QStringLiteral("x"), QStringLiteral("y")});
-        }
+        // What a listing leaves behind.
+        ScanResultBuilder b(QFile::encodeName(m_fixed + QStringLiteral("/docs")));
+        const std::uint32_t a = b.addFolder("a", 1);
+        b.addFile(a, "x");
+        b.addFile(0, "y");
+        w->listResult(b.finish());
+        for (int n = 1; n <= 4; ++n)
+            QVERIFY(w->panes().rowCount(n) > 0);
         for (int i = 0; i <= 6; ++i)
             child<QLabel>(*w, qPrintable(QStringLiteral("Label1_%1").arg(i)))->setText(QStringLiteral("Selected: 1"));
         child<QLineEdit>(*w, "Text1")->setText(QStringLiteral("a"));

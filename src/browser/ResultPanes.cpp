@@ -1,0 +1,269 @@
+#include "ResultPanes.h"
+
+#include "ResultGrid.h"
+#include "ResultGridModel.h"
+#include "ResultList.h"
+#include "ResultListModel.h"
+#include "platform/Twips.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+QString selected(int row)
+{
+    return QStringLiteral("Selected: ") + QString::number(qint64(row) + 1);
+}
+
+// The rounding of a float to a whole number that the mouse coordinates go through: halves to even.
+int roundHalfEven(double v)
+{
+    const double r = std::nearbyint(v);
+    if (!(r > double(std::numeric_limits<int>::min())))
+        return std::numeric_limits<int>::min();
+    if (!(r < double(std::numeric_limits<int>::max())))
+        return std::numeric_limits<int>::max();
+    return int(r);
+}
+
+} // namespace
+
+ScanResult::List ResultPanes::listOf(int pane)
+{
+    switch (pane) {
+    case 1:
+        return ScanResult::List::FolderPaths;
+    case 2:
+        return ScanResult::List::FolderNames;
+    case 3:
+        return ScanResult::List::FilePaths;
+    default:
+        return ScanResult::List::FileNames;
+    }
+}
+
+ResultPanes::ResultPanes(const BrowserFlavour& flavour, const BrowserControls& ui, QObject* parent)
+    : QObject(parent), m_flavour(flavour), m_ui(ui)
+{
+    for (int n = 1; n <= 4; ++n) {
+        if (grids()) {
+            m_grid[n] = qobject_cast<ResultGrid*>(m_ui.MSFlexGrid[n]);
+            Q_ASSERT(m_grid[n]);
+            m_gridModel[n] = new ResultGridModel(listOf(n), m_grid[n]);
+            m_grid[n]->setModel(m_gridModel[n]);
+        } else {
+            m_list[n] = qobject_cast<ResultList*>(m_ui.List[n]);
+            Q_ASSERT(m_list[n]);
+            m_listModel[n] = new ResultListModel(listOf(n), m_list[n]);
+            m_list[n]->setModel(m_listModel[n]);
+        }
+    }
+    if (grids()) {
+        connect(m_grid[1], &ResultGrid::gridClicked, this, [this] { MSFlexGrid1_Click(); });
+        connect(m_grid[2], &ResultGrid::gridClicked, this, [this] { MSFlexGrid2_Click(); });
+        connect(m_grid[3], &ResultGrid::gridClicked, this, [this] { MSFlexGrid3_Click(); });
+        connect(m_grid[4], &ResultGrid::gridClicked, this, [this] { MSFlexGrid4_Click(); });
+    } else {
+        connect(m_list[1], &ResultList::listClicked, this, [this] { List1_Click(); });
+        connect(m_list[2], &ResultList::listClicked, this, [this] { List2_Click(); });
+        connect(m_list[3], &ResultList::listClicked, this, [this] { List3_Click(); });
+        connect(m_list[4], &ResultList::listClicked, this, [this] { List4_Click(); });
+    }
+}
+
+ResultPanes::~ResultPanes() = default;
+
+void ResultPanes::clear()
+{
+    m_result.reset();
+    for (int n = 1; n <= 4; ++n) {
+        if (m_gridModel[n])
+            m_gridModel[n]->setResult(nullptr);
+        if (m_listModel[n])
+            m_listModel[n]->setResult(nullptr);
+    }
+}
+
+void ResultPanes::fill(int pane)
+{
+    if (m_gridModel[pane])
+        m_gridModel[pane]->setResult(m_result);
+    if (m_listModel[pane])
+        m_listModel[pane]->setResult(m_result);
+}
+
+QAbstractItemModel* ResultPanes::model(int pane) const
+{
+    if (m_gridModel[pane])
+        return m_gridModel[pane];
+    return m_listModel[pane];
+}
+
+int ResultPanes::rowCount(int pane) const
+{
+    return model(pane)->rowCount();
+}
+
+void ResultPanes::selectFirst(int pane)
+{
+    setCurrentRow(pane, 0);
+}
+
+int ResultPanes::currentRow(int pane) const
+{
+    return grids() ? m_grid[pane]->row() : m_list[pane]->listIndex();
+}
+
+void ResultPanes::setCurrentRow(int pane, int row)
+{
+    if (row < 0 || row >= rowCount(pane))
+        return;
+    if (grids())
+        m_grid[pane]->setRow(row);
+    else
+        m_list[pane]->setListIndex(row);
+}
+
+bool ResultPanes::isSelected(int pane, int row) const
+{
+    const QAbstractItemView* view = grids() ? static_cast<QAbstractItemView*>(m_grid[pane]) : m_list[pane];
+    return view->selectionModel()->isSelected(model(pane)->index(row, 0));
+}
+
+QString ResultPanes::text(int pane, int row) const
+{
+    if (row < 0 || row >= rowCount(pane))
+        return {};
+    return model(pane)->index(row, 0).data().toString();
+}
+
+void ResultPanes::setCellColours(int pane, int row, const QColor& back, const QColor& fore)
+{
+    if (m_gridModel[pane])
+        m_gridModel[pane]->setCellColours(row, back, fore);
+}
+
+// --- List boxes -------------------------------------------------------------------------------------------------
+
+void ResultPanes::List1_Click()
+{
+    m_ui.Label1[1]->setText(selected(m_list[1]->listIndex()));
+}
+
+void ResultPanes::List2_Click()
+{
+    // The path box gets the entry as the list shows it, name and size, not the folder's path.
+    const int index = m_list[2]->listIndex();
+    m_ui.Label1[5]->setText(selected(index));
+    m_list[2]->setToolTip(m_list[2]->entry(index));
+    m_ui.Text1->setText(m_list[2]->entry(index));
+}
+
+void ResultPanes::List3_Click()
+{
+    const int index = m_list[3]->listIndex();
+    m_ui.Label1[6]->setText(selected(index));
+    m_list[3]->setToolTip(m_list[3]->entry(index));
+    m_list[4]->setListIndex(index);
+    m_ui.Text2->setText(m_list[3]->entry(index));
+}
+
+void ResultPanes::List4_Click()
+{
+    // The order is the old one: the name list is cleared first, and the path list then takes the entry the
+    // name list still reports. List4 allows several selected entries, so its ListIndex is the entry with the
+    // focus and survives the clearing; the clicked name leaves no highlight of its own, its path shows it.
+    m_ui.Label1[2]->setText(selected(m_list[4]->listIndex()));
+    if (const int count = m_list[4]->count(); count > 0) {
+        const QAbstractItemModel* names = m_list[4]->model();
+        m_list[4]->selectionModel()->select(QItemSelection(names->index(0, 0), names->index(count - 1, 0)),
+                                            QItemSelectionModel::Deselect);
+    }
+    const int index = m_list[4]->listIndex();
+    m_list[3]->setListIndex(index);
+    m_list[4]->setToolTip(m_list[3]->entry(index));
+}
+
+// --- Grids ----------------------------------------------------------------------------------------------------
+
+void ResultPanes::darkGreenSelection(ResultGrid* grid)
+{
+    grid->setSelectionColours(QColor(0, 128, 0), QColor(255, 255, 255));
+}
+
+// A click on a grid without rows finds no current row; what depends on it is skipped, as the old handlers
+// skipped every statement that failed.
+void ResultPanes::MSFlexGrid1_Click()
+{
+    const int row = m_grid[1]->row();
+    if (row < 0)
+        return;
+    m_ui.Label1[1]->setText(selected(row));
+    m_ui.Text1->setText(m_grid[1]->text());
+}
+
+void ResultPanes::MSFlexGrid2_Click()
+{
+    darkGreenSelection(m_grid[2]);
+    const int row = m_grid[2]->row();
+    if (row < 0)
+        return;
+    m_grid[1]->setRow(row);
+    m_grid[2]->setRow(row); // the selection reaches to the current row again
+    m_ui.Label1[5]->setText(selected(row));
+    m_ui.Text1->setText(m_grid[1]->text());
+}
+
+void ResultPanes::MSFlexGrid3_Click()
+{
+    darkGreenSelection(m_grid[3]);
+    const int row = m_grid[3]->row();
+    if (row < 0)
+        return;
+    m_grid[4]->setRow(row);
+    m_ui.Label1[6]->setText(selected(row));
+    m_ui.Text2->setText(m_grid[3]->text());
+}
+
+void ResultPanes::MSFlexGrid4_Click()
+{
+    darkGreenSelection(m_grid[4]);
+    const int row = m_grid[4]->row();
+    if (row < 0)
+        return;
+    m_grid[3]->setRow(row);
+    m_ui.Label1[2]->setText(selected(row));
+    m_ui.Text2->setText(m_grid[3]->text());
+}
+
+// --- The entry under the mouse -----------------------------------------------------------------------------------
+
+int ResultPanes::GetRClickedItem(QWidget* MyList, float X, float Y) const
+{
+    int result = 0;
+    if (grids())
+        return result;
+    auto* list = qobject_cast<QListView*>(MyList);
+    if (!list)
+        return -1;
+    const int px = roundHalfEven(X) / qMax(1, roundHalfEven(Twips::perPixelX()));
+    const int py = roundHalfEven(Y) / qMax(1, roundHalfEven(Twips::perPixelY()));
+    const QAbstractItemModel* items = list->model();
+    const int count = items ? items->rowCount() : 0;
+    // Each entry's rectangle as a list box gives it: the full client width, right and bottom one past the last
+    // pixel, so a point on the line between two entries touches both and the upper one wins.
+    const int right = list->viewport()->width();
+    for (int i = 0; i < count; ++i) {
+        const QRect r = list->visualRect(items->index(i, 0));
+        const int top = r.top();
+        const int bottom = r.top() + r.height();
+        if (0 <= px && px <= right && top <= py && py <= bottom) {
+            result = i;
+            break;
+        }
+    }
+    return result;
+}

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "BrowserControls.h"
+#include "BrowserFlavour.h"
+#include "scan/ScanResult.h"
+
+#include <QColor>
+#include <QObject>
+#include <array>
+#include <memory>
+
+class QAbstractItemModel;
+class ResultGrid;
+class ResultGridModel;
+class ResultList;
+class ResultListModel;
+
+// The four result panes of a browser window and what a click in them does: List1..List4 in ShortBrowser,
+// MSFlexGrid1..MSFlexGrid4 in LongBrowser, numbered 1 to 4 here as in the design (folder paths, folder names,
+// file paths, file names). Each pane is a view over a model of the window's scan result, which the panes
+// hold for the window.
+class ResultPanes : public QObject
+{
+    Q_OBJECT
+public:
+    ResultPanes(const BrowserFlavour& flavour, const BrowserControls& ui, QObject* parent);
+    ~ResultPanes() override;
+
+    bool grids() const { return m_flavour.panes == BrowserFlavour::Panes::Grids; }
+    static ScanResult::List listOf(int pane);
+
+    // The result the panes show, kept until the next listing or folder change.
+    const std::shared_ptr<const ScanResult>& result() const { return m_result; }
+    void setResult(std::shared_ptr<const ScanResult> result) { m_result = std::move(result); }
+
+    // Empties all four panes and forgets the result.
+    void clear();
+    // Fills pane `pane` from the current result.
+    void fill(int pane);
+    int rowCount(int pane) const;
+    QAbstractItemModel* model(int pane) const;
+
+    // Selects the first entry (ListIndex = 0, Row = 0); an empty pane stays as it is.
+    void selectFirst(int pane);
+    // ListIndex of a list box, Row of a grid; -1 when there is none.
+    int currentRow(int pane) const;
+    // Makes `row` current and selected, as setting ListIndex or Row does; the pane's click handler does not run.
+    void setCurrentRow(int pane, int row);
+    bool isSelected(int pane, int row) const;
+    QString text(int pane, int row) const;
+    // CellBackColor / CellForeColor of a grid cell; list boxes have no cell colours.
+    void setCellColours(int pane, int row, const QColor& back, const QColor& fore = {});
+
+    // Index of the list-box entry under a point given in twips relative to the list's client area, as the
+    // right-click menus use it: 0 when no entry holds the point, -1 when `MyList` is not a list box.
+    // In LongBrowser it always answers 0.
+    int GetRClickedItem(QWidget* MyList, float X, float Y) const;
+
+private:
+    void List1_Click();
+    void List2_Click();
+    void List3_Click();
+    void List4_Click();
+    void MSFlexGrid1_Click();
+    void MSFlexGrid2_Click();
+    void MSFlexGrid3_Click();
+    void MSFlexGrid4_Click();
+    void darkGreenSelection(ResultGrid* grid);
+
+    const BrowserFlavour& m_flavour;
+    const BrowserControls& m_ui;
+    std::array<ResultList*, 5> m_list{};
+    std::array<ResultGrid*, 5> m_grid{};
+    std::array<ResultListModel*, 5> m_listModel{};
+    std::array<ResultGridModel*, 5> m_gridModel{};
+    std::shared_ptr<const ScanResult> m_result;
+};
