@@ -99,7 +99,7 @@ int main(int argc, char** argv)
                 qPrintable(grid->model()->index(last, 0).data().toString()));
 
     const double added = double(after - before);
-    std::printf("memory the grids add: %.1f MB over %lld grid rows = %.2f bytes per row (%.2f per file)\n",
-                added / 1e6, rows, added / double(rows), added / double(scan->fileCount()));
+    std::printf("memory the grids add: %.1f MB over %lld grid rows = %.2f bytes per row (%.2f per file)\n", added / 1e6,
+                rows, added / double(rows), added / double(scan->fileCount()));
     return 0;
 }

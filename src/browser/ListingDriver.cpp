@@ -119,8 +119,7 @@ void ListingDriver::stopWaiting()
 void ListingDriver::showProgress()
 {
     m_progress->setText(QStringLiteral("Found ") + QString::number(m_job.foldersFound()) +
-                        QStringLiteral(" folders, ") + QString::number(m_job.filesFound()) +
-                        QStringLiteral(" files"));
+                        QStringLiteral(" folders, ") + QString::number(m_job.filesFound()) + QStringLiteral(" files"));
 }
 
 bool ListingDriver::eventFilter(QObject* watched, QEvent* event)

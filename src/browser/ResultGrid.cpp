@@ -18,6 +18,8 @@ ResultGrid::ResultGrid(QWidget* parent) : QTableView(parent)
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setWordWrap(false);
+    // Scrolling by columns would never reveal the end of the one wide column.
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setCornerButtonEnabled(false);
 
     QPalette pal = palette();

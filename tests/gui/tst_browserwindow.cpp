@@ -2,8 +2,8 @@
 
 #include "browser/BrowserWindow.h"
 #include "browser/ClickableLabel.h"
-#include "platform/Twips.h"
 #include "browser/ResultPanes.h"
+#include "platform/Twips.h"
 #include "scan/ScanResultBuilder.h"
 
 #include <QComboBox>

@@ -11,6 +11,7 @@
 #include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -48,10 +49,7 @@ private:
         QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("List_Folders")), Qt::LeftButton);
         QVERIFY(done.wait(20000));
     }
-    static QString label(const BrowserWindow& w, const QString& name)
-    {
-        return w.findChild<QLabel*>(name)->text();
-    }
+    static QString label(const BrowserWindow& w, const QString& name) { return w.findChild<QLabel*>(name)->text(); }
     static QStringList entries(const BrowserWindow& w, int pane)
     {
         QStringList out;
@@ -158,6 +156,7 @@ private slots:
             auto* grid = w->findChild<QTableView*>(QStringLiteral("MSFlexGrid3"));
             QVERIFY(grid->horizontalHeader()->isHidden() && grid->verticalHeader()->isHidden());
             QCOMPARE(grid->columnWidth(0), Twips::toPx(10000));
+            QCOMPARE(grid->horizontalScrollBar()->maximum(), grid->columnWidth(0) - grid->viewport()->width());
             QVERIFY(w->findChild<QWidget*>(QStringLiteral("Image1"))->isHidden());
             QVERIFY(!w->findChild<QWidget*>(QStringLiteral("Frame5"))->isHidden());
         }
@@ -204,7 +203,8 @@ private slots:
         QCOMPARE(label(*w, QStringLiteral("Label1_5")), QString());
         QCOMPARE(label(*w, QStringLiteral("Label1_6")),
                  longVersion ? QStringLiteral("Selected: 1") : QString::number(files));
-        QCOMPARE(label(*w, QStringLiteral("Label1_3")), QStringLiteral("Total Files with path: ") + QString::number(files));
+        QCOMPARE(label(*w, QStringLiteral("Label1_3")),
+                 QStringLiteral("Total Files with path: ") + QString::number(files));
         QCOMPARE(label(*w, QStringLiteral("Label1_4")), QStringLiteral("Total Files: ") + QString::number(files));
         // A list box takes no selection from an entry added after the selecting; a grid always has a current row.
         QCOMPARE(selectedRow(*w, 1), longVersion ? 0 : -1);
