@@ -74,6 +74,14 @@ bool fileExists(const QByteArray& path)
     return ::lstat(path.constData(), &st) == 0 && !S_ISDIR(st.st_mode);
 }
 
+int removeFile(const QByteArray& path)
+{
+    struct stat st;
+    if (::lstat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode))
+        return RuntimeError::PathFileAccess;
+    return ::unlink(path.constData()) == 0 ? 0 : errorFor(errno, path);
+}
+
 int copyFile(const QByteArray& source, const QByteArray& target)
 {
     struct stat st;
@@ -150,14 +158,15 @@ TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, co
     while (!pending.empty()) {
         Pair dir = std::move(pending.back());
         pending.pop_back();
-        folders.push_back(dir);
         DIR* d = ::opendir(dir.from.constData());
         if (!d) {
+            // Nothing is made for a folder that cannot be read, so a source that is not there leaves no trace.
             if (cb.problem)
                 cb.problem(dir.from, errorFor(errno, dir.from));
             ++outcome.skipped;
             continue;
         }
+        folders.push_back(dir);
         while (const dirent* e = ::readdir(d)) {
             const char* n = e->d_name;
             if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0)))
@@ -221,6 +230,16 @@ bool fileExists(const QByteArray& path)
     return info.exists() && !info.isDir();
 }
 
+int removeFile(const QByteArray& path)
+{
+    const QFileInfo info(QString::fromUtf8(path));
+    if (!info.exists() && !info.isSymLink())
+        return RuntimeError::FileNotFound;
+    if (info.isDir())
+        return RuntimeError::PathFileAccess;
+    return QFile::remove(info.filePath()) ? 0 : int(RuntimeError::PathFileAccess);
+}
+
 int copyFile(const QByteArray& source, const QByteArray& target)
 {
     const QString from = QString::fromUtf8(source), to = QString::fromUtf8(target);
@@ -241,6 +260,12 @@ TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, co
     TreeOutcome outcome;
     const QDir src(QString::fromUtf8(source));
     const QString root = QString::fromUtf8(destination) + QLatin1Char('/') + src.dirName();
+    if (!src.exists()) {
+        if (cb.problem)
+            cb.problem(source, RuntimeError::PathNotFound);
+        ++outcome.skipped;
+        return outcome;
+    }
     QStringList files;
     QDirIterator it(src.path(), QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                     QDirIterator::Subdirectories);

@@ -13,6 +13,9 @@ int copyFile(const QByteArray& source, const QByteArray& target);
 // True when `path` names a file (not a folder) that exists.
 bool fileExists(const QByteArray& path);
 
+// Deletes the file `path`; the run-time error number, or 0.
+int removeFile(const QByteArray& path);
+
 enum class Reply { Yes, YesToAll, No, Cancel };
 
 // What a folder copy asks and tells while it runs; the window shows a progress window and its questions.

@@ -123,6 +123,25 @@ private slots:
         QVERIFY(out.cancelled);
         QCOMPARE(asked.size(), 1);
         QCOMPARE(out.copied, 0);
+
+        // A source that is not there is a problem and leaves nothing behind.
+        problems.clear();
+        out = ItemCopy::copyTree(src.path("Gone"), box.root(), cb);
+        QCOMPARE(problems, QList<QByteArray>({src.path("Gone")}));
+        QCOMPARE(out.copied, 0);
+        QCOMPARE(sizeOf(box.path("Gone")), -1);
+    }
+
+    void removeAFile()
+    {
+        TreeBuilder box;
+        write(box.path("a.txt"), "a");
+        QCOMPARE(ItemCopy::removeFile(box.path("a.txt")), 0);
+        QVERIFY(!ItemCopy::fileExists(box.path("a.txt")));
+        QCOMPARE(ItemCopy::removeFile(box.path("a.txt")), 53);
+        QCOMPARE(ItemCopy::removeFile(box.path("no/a.txt")), 76);
+        box.dir("adir");
+        QCOMPARE(ItemCopy::removeFile(box.path("adir")), 75);
     }
 };
 
