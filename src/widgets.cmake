@@ -6,11 +6,13 @@ endif()
 add_library(quillary_widgets STATIC
     platform/AdminCheck.h
     platform/AppProgramEnd.cpp platform/AppProgramEnd.h
+    platform/CopyProgressService.h
     platform/DesktopShellService.cpp platform/DesktopShellService.h
     platform/InputService.h
     platform/MediaPlayer.h
     platform/MessageService.h
     platform/ProgramEnd.h
+    platform/QtCopyProgressService.cpp platform/QtCopyProgressService.h
     platform/QtInputService.cpp platform/QtInputService.h
     platform/QtMessageService.cpp platform/QtMessageService.h
     platform/Services.h

@@ -1,6 +1,7 @@
 #pragma once
 
 class AdminCheck;
+class CopyProgressService;
 class InputService;
 class MediaPlayer;
 class MessageService;
@@ -19,4 +20,5 @@ struct Services
     ShellService* shell = nullptr;
     MediaPlayer* player = nullptr;
     ProgramEnd* programEnd = nullptr;
+    CopyProgressService* copyProgress = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include "AppProgramEnd.h"
 #include "DesktopShellService.h"
+#include "QtCopyProgressService.h"
 #include "QtInputService.h"
 #include "QtMessageService.h"
 #include "SilentMediaPlayer.h"
@@ -12,7 +13,7 @@ SystemServices::SystemServices()
     : m_messages(std::make_unique<QtMessageService>()), m_input(std::make_unique<QtInputService>()),
       m_admin(std::make_unique<SystemAdminCheck>()), m_volumes(std::make_unique<SystemVolumeService>()),
       m_shell(std::make_unique<DesktopShellService>()), m_player(std::make_unique<SilentMediaPlayer>()),
-      m_programEnd(std::make_unique<AppProgramEnd>())
+      m_programEnd(std::make_unique<AppProgramEnd>()), m_copyProgress(std::make_unique<QtCopyProgressService>())
 {
     m_services.messages = m_messages.get();
     m_services.input = m_input.get();
@@ -21,6 +22,7 @@ SystemServices::SystemServices()
     m_services.shell = m_shell.get();
     m_services.player = m_player.get();
     m_services.programEnd = m_programEnd.get();
+    m_services.copyProgress = m_copyProgress.get();
 }
 
 SystemServices::~SystemServices() = default;

@@ -23,5 +23,6 @@ private:
     std::unique_ptr<ShellService> m_shell;
     std::unique_ptr<MediaPlayer> m_player;
     std::unique_ptr<ProgramEnd> m_programEnd;
+    std::unique_ptr<CopyProgressService> m_copyProgress;
     Services m_services;
 };

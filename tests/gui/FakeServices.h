@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/AdminCheck.h"
+#include "platform/CopyProgressService.h"
 #include "platform/InputService.h"
 #include "platform/MediaPlayer.h"
 #include "platform/MessageService.h"
@@ -106,6 +107,32 @@ struct FakeProgramEnd : ProgramEnd
     bool ended() const override { return count > 0; }
 };
 
+struct FakeCopyProgress : CopyProgressService
+{
+    QStringList asked, problems;
+    std::deque<ItemCopy::Reply> replies; // Yes when empty
+    qint64 lastDone = -1, lastTotal = -1;
+    int finishes = 0;
+
+    bool progress(qint64 done, qint64 total, const QString&) override
+    {
+        lastDone = done;
+        lastTotal = total;
+        return true;
+    }
+    ItemCopy::Reply confirmReplace(const QString& target) override
+    {
+        asked.append(target);
+        if (replies.empty())
+            return ItemCopy::Reply::Yes;
+        const ItemCopy::Reply r = replies.front();
+        replies.pop_front();
+        return r;
+    }
+    void problem(const QString& path, int) override { problems.append(path); }
+    void finish() override { ++finishes; }
+};
+
 struct FakeServices
 {
     FakeMessages messages;
@@ -115,6 +142,10 @@ struct FakeServices
     FakeShell shell;
     FakePlayer player;
     FakeProgramEnd programEnd;
+    FakeCopyProgress copyProgress;
 
-    Services services() { return {&messages, &input, &admin, &volumes, &shell, &player, &programEnd}; }
+    Services services()
+    {
+        return {&messages, &input, &admin, &volumes, &shell, &player, &programEnd, &copyProgress};
+    }
 };

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "CopyProgressService.h"
+
+#include <QPointer>
+
+class QProgressDialog;
+
+class QtCopyProgressService : public CopyProgressService
+{
+public:
+    ~QtCopyProgressService() override;
+    bool progress(qint64 done, qint64 total, const QString& current) override;
+    ItemCopy::Reply confirmReplace(const QString& target) override;
+    void problem(const QString& path, int error) override;
+    void finish() override;
+
+private:
+    QPointer<QProgressDialog> m_dialog;
+};
