@@ -3,6 +3,8 @@
 # Used by `make` on a fresh machine and by CI; harmless to run again.
 set -euo pipefail
 pkgs=(cmake ninja-build g++ make qt6-base-dev qt6-multimedia-dev libgl-dev time python3)
+# The end-to-end test: an X server, a window manager with close boxes, real input.
+pkgs+=(xvfb xdotool openbox wmctrl)
 if [ "${1:-}" = "--bench" ]; then pkgs+=(gdu); fi
 missing=()
 for p in "${pkgs[@]}"; do

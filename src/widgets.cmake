@@ -45,5 +45,8 @@ if(TARGET Qt6::DBus)
 endif()
 
 add_executable(quillary WIN32 app/main.cpp)
+if(UNIX)
+    target_sources(quillary PRIVATE app/AutomationProbe.cpp app/AutomationProbe.h)
+endif()
 target_link_libraries(quillary PRIVATE quillary_widgets)
 install(TARGETS quillary RUNTIME DESTINATION bin)

@@ -1,3 +1,6 @@
+#ifndef _WIN32
+#include "app/AutomationProbe.h"
+#endif
 #include "platform/ProgramEnd.h"
 #include "platform/SystemServices.h"
 #include "startup/OptionsWindow.h"
@@ -10,6 +13,9 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(QStringLiteral("Quillary"));
     QApplication::setApplicationVersion(QStringLiteral("4.50"));
 
+#ifndef _WIN32
+    AutomationProbe::installIfRequested(&app); // for the end-to-end test only
+#endif
     SystemServices system;
     OptionsWindow options(system.services());
     options.start();
