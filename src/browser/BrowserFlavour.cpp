@@ -71,6 +71,12 @@ const BrowserFlavour& BrowserFlavour::shortBrowser()
             QStringLiteral("Show List Serial Number"),    QStringLiteral("Show Absolute FileName"),
             QStringLiteral("Save Contents of This List"), QStringLiteral("Save This File to C:\\Quillbox")};
         s.fileMenuSeparatorBefore = 4;
+        s.rightClickSelects = true;
+        s.menusReadCurrentCells = false;
+        s.replaceFileQuestion =
+            QStringLiteral("File of this name exists in the Folder 'C:\\Quillbox'. Would you like to replace this file?");
+        s.folderCopiedReport = QStringLiteral("Folder/ Sub-Folders of the Folder '%1' copied to 'C:\\QUILLBOX' folder");
+        s.absoluteNameHeading = QStringLiteral("Aboslute File Name is:");
         s.restore = restoreValues(s);
         return s;
     }();
@@ -97,6 +103,14 @@ const BrowserFlavour& BrowserFlavour::longBrowser()
         l.walk = ScanResult::Flavour::Long;
         l.fileNamesBeforeSelection = true;
         l.noFolderShowsFileCount = false;
+        l.folderOpenText = ItemText::FolderPathRow;
+        l.folderLocateText = ItemText::Text1;
+        l.folderActionMovesPathRow = true;
+        l.filePathsActionText = ItemText::FilePathRow;
+        l.fileNamesActionText = ItemText::Text2;
+        l.searchFolderText = ItemText::Text1;
+        l.searchFileText = ItemText::Text2;
+        l.selectingRunsClick = false;
         l.folderMenuCaption = QStringLiteral("PopupMenu2");
         l.folderMenuNames = {QStringLiteral("OpenFolder"),
                              QStringLiteral("LocateThisFolder"),
@@ -121,6 +135,12 @@ const BrowserFlavour& BrowserFlavour::longBrowser()
             QStringLiteral("Show Item Serial Number"),    QStringLiteral("Show Absolute File Name"),
             QStringLiteral("Save Contents of this List"), QStringLiteral("Save this File to C:\\Quillbox")};
         l.fileMenuSeparatorBefore = 4;
+        l.rightClickSelects = false;
+        l.menusReadCurrentCells = true;
+        l.replaceFileQuestion =
+            QStringLiteral("File %1 exists in the Folder 'C:\\Quillbox'. Would you like to replace this file?");
+        l.folderCopiedReport = QStringLiteral("Folder/ Sub-Folders of %1 copied to 'C:\\QUILLBOX' folder");
+        l.absoluteNameHeading = QStringLiteral("Aboslute FileName is:");
         l.restore = restoreValues(l);
         return l;
     }();

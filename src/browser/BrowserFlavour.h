@@ -44,6 +44,19 @@ struct BrowserFlavour
     bool fileNamesBeforeSelection = false;
     bool noFolderShowsFileCount = true;
 
+    // The text a double-click action works on: a path box, or an entry of the folder-path or file-path pane
+    // (at the folder-name pane's row, or at the pane's own current row).
+    enum class ItemText { Text1, Text2, FolderPathAtNameRow, FolderPathRow, FilePathRow };
+    ItemText folderOpenText = ItemText::Text1;
+    ItemText folderLocateText = ItemText::FolderPathAtNameRow;
+    bool folderActionMovesPathRow = false; // the folder-path pane's row follows the folder-name pane's
+    ItemText filePathsActionText = ItemText::FilePathRow;
+    ItemText fileNamesActionText = ItemText::FilePathRow;
+    ItemText searchFolderText = ItemText::FolderPathRow;
+    ItemText searchFileText = ItemText::FilePathRow;
+    // Setting a list box's ListIndex runs its click handler; setting a grid's Row does not.
+    bool selectingRunsClick = true;
+
     QString folderMenuCaption;
     QStringList folderMenuNames;
     QStringList folderMenuCaptions;
@@ -52,6 +65,18 @@ struct BrowserFlavour
     QStringList fileMenuNames;
     QStringList fileMenuCaptions;
     int fileMenuSeparatorBefore = -1;
+
+    // What the context menus and the copies into the collection folder act on. A right-click in ShortBrowser
+    // selects the entry under the mouse first, in its folder list only once something is selected; LongBrowser
+    // acts on the rows current before the click. ShortBrowser reads a partner list at the index of the list
+    // clicked; LongBrowser reads each grid's current cell, and copies the file named in the file path box.
+    bool rightClickSelects = true;
+    bool menusReadCurrentCells = false;
+    // What they say. "C:\Quillbox" and "C:\QUILLBOX" stand for the collection folder's path; %1 is the item's
+    // name in capitals.
+    QString replaceFileQuestion;
+    QString folderCopiedReport;
+    QString absoluteNameHeading;
 
     QList<Restore> restore;
 

@@ -146,6 +146,18 @@ void ResultPanes::setCellColours(int pane, int row, const QColor& back, const QC
         m_gridModel[pane]->setCellColours(row, back, fore);
 }
 
+void ResultPanes::click(int pane)
+{
+    using Handler = void (ResultPanes::*)();
+    static constexpr Handler lists[] = {nullptr, &ResultPanes::List1_Click, &ResultPanes::List2_Click,
+                                        &ResultPanes::List3_Click, &ResultPanes::List4_Click};
+    static constexpr Handler gridHandlers[] = {nullptr, &ResultPanes::MSFlexGrid1_Click, &ResultPanes::MSFlexGrid2_Click,
+                                               &ResultPanes::MSFlexGrid3_Click, &ResultPanes::MSFlexGrid4_Click};
+    if (pane < 1 || pane > 4)
+        return;
+    (this->*(grids() ? gridHandlers : lists)[pane])();
+}
+
 // --- List boxes -------------------------------------------------------------------------------------------------
 
 void ResultPanes::List1_Click()

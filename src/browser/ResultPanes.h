@@ -56,6 +56,9 @@ public:
     // In LongBrowser it always answers 0.
     int GetRClickedItem(QWidget* MyList, float X, float Y) const;
 
+    // Runs the pane's click handler as a click on its current entry would.
+    void click(int pane);
+
 private:
     void List1_Click();
     void List2_Click();
