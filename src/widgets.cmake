@@ -14,10 +14,10 @@ add_library(quillary_widgets STATIC
     platform/ProgramEnd.h
     platform/QtCopyProgressService.cpp platform/QtCopyProgressService.h
     platform/QtInputService.cpp platform/QtInputService.h
+    platform/QtMediaPlayer.cpp platform/QtMediaPlayer.h
     platform/QtMessageService.cpp platform/QtMessageService.h
     platform/Services.h
     platform/ShellService.h
-    platform/SilentMediaPlayer.h
     platform/SystemAdminCheck.cpp platform/SystemAdminCheck.h
     platform/SystemServices.cpp platform/SystemServices.h
     platform/Twips.cpp platform/Twips.h
@@ -34,11 +34,18 @@ add_library(quillary_widgets STATIC
     browser/ResultList.cpp browser/ResultList.h
     browser/ResultListModel.cpp browser/ResultListModel.h
     browser/ResultPanes.cpp browser/ResultPanes.h
+    actions/GoToCell.cpp actions/GoToCell.h
+    actions/ItemActions.cpp actions/ItemActions.h
+    actions/UnhandledError.h
+    search/SearchResultModel.cpp search/SearchResultModel.h
+    search/SearchSection.cpp search/SearchSection.h
     startup/OptionsControls.h
     startup/OptionsWindow.cpp startup/OptionsWindow.h
 )
 set_target_properties(quillary_widgets PROPERTIES AUTOMOC ON)
 target_link_libraries(quillary_widgets PUBLIC quillary_core Qt6::Widgets)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Multimedia MultimediaWidgets)
+target_link_libraries(quillary_widgets PRIVATE Qt6::Multimedia Qt6::MultimediaWidgets)
 if(TARGET Qt6::DBus)
     target_link_libraries(quillary_widgets PRIVATE Qt6::DBus)
     target_compile_definitions(quillary_widgets PRIVATE QUILLARY_HAVE_DBUS)

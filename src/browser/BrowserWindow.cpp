@@ -1,5 +1,8 @@
 #include "BrowserWindow.h"
 
+#include "actions/GoToCell.h"
+#include "actions/ItemActions.h"
+#include "search/SearchSection.h"
 #include "ClassicLook.h"
 #include "ClickableFrame.h"
 #include "ClickableLabel.h"
@@ -28,7 +31,6 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStringListModel>
 #include <QTableView>
 #include <QTreeView>
 
@@ -145,6 +147,10 @@ BrowserWindow::BrowserWindow(const BrowserFlavour& flavour, const Services& serv
     m_driver = new ListingDriver(m_flavour, m_ui, *m_panes, m_services, this);
     connect(m_ui.List_Folders, &QPushButton::clicked, m_driver, &ListingDriver::List_Folders_Click);
     connect(m_driver, &ListingDriver::finished, this, &BrowserWindow::scanFinished);
+    m_actions = new ItemActions(m_flavour, m_ui, *m_panes, m_services, this);
+    m_search = new SearchSection(m_flavour, m_ui, *m_panes, *m_actions, m_services, this);
+    if (m_flavour.hasGoToFrame)
+        m_goTo = new GoToCell(m_ui, *m_panes, m_services, *this);
     Form_Load();
 }
 
@@ -389,7 +395,6 @@ void BrowserWindow::buildSearchSection()
     m_ui.SearchFiles->setObjectName(QStringLiteral("SearchFiles"));
     auto* list5 = new QListView(frame);
     list5->setObjectName(QStringLiteral("List5"));
-    list5->setModel(new QStringListModel(list5));
     list5->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_ui.List[5] = list5;
     m_ui.Label1[7] = makeLabel(frame, QStringLiteral("Label1_7"), QString());
@@ -649,6 +654,12 @@ void BrowserWindow::Label8_Click()
     }
 }
 
+void BrowserWindow::showFileNames()
+{
+    setOuterWidth(WideWidth);
+    m_ui.Label8->setText(HideFileNames);
+}
+
 void BrowserWindow::setOuterWidth(int twips)
 {
     const int frame = frameGeometry().width() - geometry().width();
@@ -691,8 +702,7 @@ void BrowserWindow::Image2_Click()
 
 void BrowserWindow::playerFrame_Click()
 {
-    m_services.player->close();
-    m_ui.playerFrame->hide();
+    m_actions->closePlayer();
 }
 
 void BrowserWindow::Image6_Click()

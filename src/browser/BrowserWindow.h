@@ -8,10 +8,13 @@
 #include <QWidget>
 #include <memory>
 
+class GoToCell;
+class ItemActions;
 class ListingDriver;
 class QFileSystemModel;
 class ResultPanes;
 class ScanResult;
+class SearchSection;
 
 // The browser window, in either flavour (ShortBrowser with list boxes, LongBrowser with grids): the drive
 // selector and folder tree, the result panes and their status labels, the Open/Locate mode and the ways back
@@ -44,6 +47,11 @@ public:
     QString DriveTypeInfo(const QString& sDrive) const;
     QString GetDriveName(const QString& driveLetter) const;
     void ShowDriveCaption();
+
+    // The wide state of the file-names toggle: the window at 13,560 twips, Label8 offering to hide the names.
+    void showFileNames();
+    ItemActions& actions() const { return *m_actions; }
+    SearchSection& search() const { return *m_search; }
 
 signals:
     // A listing has ended: panes, labels and buttons show its outcome.
@@ -94,6 +102,9 @@ private:
     QFileSystemModel* m_dirModel = nullptr;
     ResultPanes* m_panes = nullptr;
     ListingDriver* m_driver = nullptr;
+    ItemActions* m_actions = nullptr;
+    SearchSection* m_search = nullptr;
+    GoToCell* m_goTo = nullptr;
     QString m_driveText;
     QString m_dir1Path;
     bool m_applyingLayout = false;

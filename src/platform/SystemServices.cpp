@@ -4,15 +4,15 @@
 #include "DesktopShellService.h"
 #include "QtCopyProgressService.h"
 #include "QtInputService.h"
+#include "QtMediaPlayer.h"
 #include "QtMessageService.h"
-#include "SilentMediaPlayer.h"
 #include "SystemAdminCheck.h"
 #include "VolumeService.h"
 
 SystemServices::SystemServices()
     : m_messages(std::make_unique<QtMessageService>()), m_input(std::make_unique<QtInputService>()),
       m_admin(std::make_unique<SystemAdminCheck>()), m_volumes(std::make_unique<SystemVolumeService>()),
-      m_shell(std::make_unique<DesktopShellService>()), m_player(std::make_unique<SilentMediaPlayer>()),
+      m_shell(std::make_unique<DesktopShellService>()), m_player(std::make_unique<QtMediaPlayer>()),
       m_programEnd(std::make_unique<AppProgramEnd>()), m_copyProgress(std::make_unique<QtCopyProgressService>())
 {
     m_services.messages = m_messages.get();

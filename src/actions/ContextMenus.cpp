@@ -1,0 +1,151 @@
+#include "ContextMenus.h"
+
+#include "browser/BrowserWindow.h"
+#include "browser/ResultList.h"
+#include "browser/ResultPanes.h"
+#include "browser/SaveActions.h"
+#include "platform/MessageService.h"
+#include "platform/ShellService.h"
+#include "platform/Twips.h"
+
+#include <QAbstractItemView>
+#include <QEvent>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QTableView>
+
+ContextMenus::ContextMenus(BrowserWindow& window, const Services& services, SaveActions& saves)
+    : QObject(&window), m_window(window), m_services(services), m_saves(saves), m_copies(window, services)
+{
+    const BrowserControls& ui = window.controls();
+    const bool grids = window.flavour().panes == BrowserFlavour::Panes::Grids;
+    for (int pane : {2, 3}) {
+        m_views[pane] = grids ? static_cast<QAbstractItemView*>(ui.MSFlexGrid[pane]) : ui.List[pane];
+        m_views[pane]->viewport()->installEventFilter(this);
+    }
+    bind(ui.mnuPopUp2, {[this] { OpenFolder(); }, [this] { LocateThisFolder(); }, [this] { ShowSerialNo2(); },
+                        [this] { ShowFolderPath(); }, [this] { m_saves.saveFolderList(); },
+                        [this] { m_copies.CopyFolders(); }});
+    bind(ui.mnuPopUp, {[this] { OpenThisFile(); }, [this] { LocateThisFile(); }, [this] { ShowSerialNo(); },
+                       [this] { AbsoluteFileName(); }, [this] { m_saves.saveFileList(); },
+                       [this] { m_copies.copySelectedFile(); }});
+}
+
+// The entries stand in the same order in both windows, under names and captions that differ.
+void ContextMenus::bind(QMenu* menu, const std::array<std::function<void()>, 6>& handlers)
+{
+    std::size_t k = 0;
+    for (QAction* action : menu->actions()) {
+        if (action->isSeparator() || k == handlers.size())
+            continue;
+        connect(action, &QAction::triggered, this, handlers[k++]);
+    }
+}
+
+bool ContextMenus::eventFilter(QObject* watched, QEvent* event)
+{
+    const QEvent::Type type = event->type();
+    if (type != QEvent::MouseButtonPress && type != QEvent::MouseButtonDblClick && type != QEvent::MouseButtonRelease)
+        return QObject::eventFilter(watched, event);
+    auto* mouse = static_cast<QMouseEvent*>(event);
+    if (mouse->button() != Qt::RightButton)
+        return QObject::eventFilter(watched, event);
+    // The right button never reaches the view: it would move the current row, which LongBrowser's menus must
+    // find as it was, and which ShortBrowser sets itself.
+    if (type != QEvent::MouseButtonRelease) {
+        const int pane = watched == m_views[2]->viewport() ? 2 : 3;
+        const QPointF at = mouse->position();
+        pane_MouseDown(pane, mouse->button(), float(at.x() * Twips::perPixelX()), float(at.y() * Twips::perPixelY()),
+                       mouse->globalPosition().toPoint());
+    }
+    return true;
+}
+
+void ContextMenus::pane_MouseDown(int pane, Qt::MouseButton Button, float X, float Y, const QPoint& globalPos)
+{
+    if (Button != Qt::RightButton)
+        return;
+    const BrowserFlavour& flavour = m_window.flavour();
+    ResultPanes& panes = m_window.panes();
+    // ShortBrowser's folder list offers its menu only once something has been selected in it; its file list
+    // always does. The asymmetry is the program's own.
+    if (flavour.rightClickSelects && pane == 2 && panes.currentRow(2) == -1)
+        return;
+    const int idx = m_window.GetRClickedItem(m_views[pane], X, Y);
+    if (idx == -1)
+        return;
+    if (flavour.rightClickSelects) {
+        // A point below the last entry answers 0, so the first entry is taken. Setting ListIndex runs the
+        // list's click handler, as a click would.
+        panes.setCurrentRow(pane, idx);
+        if (auto* list = qobject_cast<ResultList*>(m_views[pane]))
+            emit list->listClicked();
+    }
+    const BrowserControls& ui = m_window.controls();
+    (pane == 2 ? ui.mnuPopUp2 : ui.mnuPopUp)->popup(globalPos);
+}
+
+// An entry of `partner` belonging to the selection of `selected`: a list box is read at the index selected in
+// the list clicked, a grid at its own current row, which the click on its partner has moved along.
+QString ContextMenus::partnerEntry(int partner, int selected) const
+{
+    const ResultPanes& panes = m_window.panes();
+    const bool ownRow = m_window.flavour().menusReadCurrentCells;
+    return panes.text(partner, panes.currentRow(ownRow ? partner : selected));
+}
+
+QString ContextMenus::folderPath() const
+{
+    return partnerEntry(1, 2);
+}
+
+QString ContextMenus::fileName() const
+{
+    return partnerEntry(4, 3);
+}
+
+void ContextMenus::OpenFolder()
+{
+    m_services.shell->open(folderPath());
+}
+
+void ContextMenus::LocateThisFolder()
+{
+    m_services.shell->locate(m_window.controls().Text1->text());
+}
+
+void ContextMenus::OpenThisFile()
+{
+    // Always the shell's open, never the player a double-click may use.
+    m_services.shell->open(m_window.controls().Text2->text());
+}
+
+void ContextMenus::LocateThisFile()
+{
+    m_services.shell->locate(m_window.controls().Text2->text());
+}
+
+void ContextMenus::ShowSerialNo2()
+{
+    m_services.messages->message(QStringLiteral("List Serial Number of the Selected Item is ") +
+                                 QString::number(qint64(m_window.panes().currentRow(2)) + 1));
+}
+
+void ContextMenus::ShowSerialNo()
+{
+    m_services.messages->message(QStringLiteral("List Serial Number of the Selected Item is ") +
+                                 QString::number(qint64(m_window.panes().currentRow(3)) + 1));
+}
+
+void ContextMenus::ShowFolderPath()
+{
+    m_services.messages->message(QStringLiteral("Selected Folder Path is:\r\n\r\n") + folderPath().toUpper());
+}
+
+void ContextMenus::AbsoluteFileName()
+{
+    m_services.messages->message(m_window.flavour().absoluteNameHeading + QStringLiteral("\r\n\r\n") +
+                                 fileName().toUpper());
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "CopyActions.h"
+#include "platform/Services.h"
+
+#include <QObject>
+#include <QPoint>
+#include <array>
+#include <functional>
+
+class BrowserWindow;
+class QAbstractItemView;
+class QMenu;
+class SaveActions;
+
+// The two pop-up menus of a browser window: mnuPopUp2 on the folder-name pane (List2 / MSFlexGrid2) and mnuPopUp
+// on the file-path pane (List3 / MSFlexGrid3), shown by a right-click, with their entries' actions and
+// information messages.
+class ContextMenus : public QObject
+{
+    Q_OBJECT
+public:
+    ContextMenus(BrowserWindow& window, const Services& services, SaveActions& saves);
+
+    // The mouse-down on the folder pane (2) or the file pane (3); X and Y in twips within the pane.
+    void pane_MouseDown(int pane, Qt::MouseButton Button, float X, float Y, const QPoint& globalPos);
+
+    // Folder menu.
+    void OpenFolder();
+    void LocateThisFolder();
+    void ShowSerialNo2();
+    void ShowFolderPath();
+    // File menu.
+    void OpenThisFile();
+    void LocateThisFile();
+    void ShowSerialNo();
+    void AbsoluteFileName();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QString partnerEntry(int partner, int selected) const;
+    QString folderPath() const;
+    QString fileName() const;
+    void bind(QMenu* menu, const std::array<std::function<void()>, 6>& handlers);
+
+    BrowserWindow& m_window;
+    Services m_services;
+    SaveActions& m_saves;
+    CopyActions m_copies;
+    std::array<QAbstractItemView*, 4> m_views{}; // the panes 2 and 3 at their numbers
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/Services.h"
+
+class BrowserWindow;
+class QString;
+
+// Copies of a listed item into the collection folder, from the context menus: the selected file (SaveFile_3,
+// SaveFileTo_MSF3) and the selected folder with everything under it (CopyFolders).
+//
+// Neither traps an error. A file copy that fails (nothing selected, the source gone, the target locked, the
+// collection folder missing) is an unhandled run-time error, which ends the program. A folder copy reports its
+// problems in its own progress window and is always reported as done.
+class CopyActions
+{
+public:
+    CopyActions(const BrowserWindow& window, const Services& services);
+
+    void copySelectedFile();
+    void CopyFolders();
+
+private:
+    void unhandled(int error);
+
+    const BrowserWindow& m_window;
+    Services m_services;
+};

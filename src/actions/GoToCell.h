@@ -1,0 +1,37 @@
+#pragma once
+
+#include "browser/BrowserControls.h"
+#include "platform/Services.h"
+
+#include <QObject>
+#include <QString>
+
+class BrowserWindow;
+class QLineEdit;
+class ResultPanes;
+
+// LongBrowser's go-to controls: a typed serial number scrolls a grid to that row, makes it current, marks the
+// cell in red and runs the grid's click handling. A cell loses its mark when the grid moves off it.
+class GoToCell : public QObject
+{
+    Q_OBJECT
+public:
+    GoToCell(const BrowserControls& ui, ResultPanes& panes, const Services& services, BrowserWindow& window);
+
+    // A box's text as a whole number the way the number conversion reads it: blanks around it, a sign, a
+    // fraction rounded half to even. `error` is 13 for no number, 6 for one beyond 32 bits, else 0.
+    static qint32 toLong(const QString& text, int* error);
+
+    void GoToFolder_Click();
+    void GoToFilePath_Click();
+    void GoToFile_Click();
+
+private:
+    void goTo(const QLineEdit* box, int pane);
+    void leaveCell(int pane, int row);
+
+    const BrowserControls& m_ui;
+    ResultPanes& m_panes;
+    Services m_services;
+    BrowserWindow& m_window;
+};

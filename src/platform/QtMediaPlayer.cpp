@@ -1,0 +1,81 @@
+#include "QtMediaPlayer.h"
+
+#include "common/NativeText.h"
+
+#include <QAudioOutput>
+#include <QMediaPlayer>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <QVideoWidget>
+
+namespace {
+
+// Qt 6.4's FFmpeg backend crashes on a machine without an audio device; GStreamer plays there, silently. The
+// choice must be made before the first player exists.
+bool preferGStreamer()
+{
+#if defined(Q_OS_LINUX)
+    if (qEnvironmentVariableIsEmpty("QT_MEDIA_BACKEND"))
+        qputenv("QT_MEDIA_BACKEND", "gstreamer");
+#endif
+    return true;
+}
+
+// The path's own bytes, so a name that is not UTF-8 still reaches the file.
+QUrl fileUrl(const QString& path)
+{
+    QUrl url;
+    url.setScheme(QStringLiteral("file"));
+    url.setPath(QString::fromLatin1(NativeText::fromDisplay(path).toPercentEncoding("/")), QUrl::TolerantMode);
+    return url;
+}
+
+} // namespace
+
+QtMediaPlayer::QtMediaPlayer(QObject* parent) : QObject(parent)
+{
+    [[maybe_unused]] static const bool backendChosen = preferGStreamer();
+    m_player = new QMediaPlayer(this);
+    m_audio = new QAudioOutput(this);
+    m_player->setAudioOutput(m_audio);
+}
+
+QtMediaPlayer::~QtMediaPlayer()
+{
+    m_player->stop();
+}
+
+void QtMediaPlayer::showIn(QWidget* area)
+{
+    if (!area)
+        return;
+    QVideoWidget* video = area->findChild<QVideoWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    if (!video) {
+        video = new QVideoWidget(area);
+        auto* layout = new QVBoxLayout(area);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(video);
+    }
+    if (video != m_video) {
+        m_video = video;
+        m_player->setVideoOutput(video);
+    }
+}
+
+void QtMediaPlayer::setUrl(const QString& path)
+{
+    m_player->stop();
+    // An empty address stops the player and plays nothing, as an empty URL always did.
+    if (path.isEmpty()) {
+        m_player->setSource(QUrl());
+        return;
+    }
+    m_player->setSource(fileUrl(path));
+    m_player->play();
+}
+
+void QtMediaPlayer::close()
+{
+    m_player->stop();
+    m_player->setSource(QUrl());
+}

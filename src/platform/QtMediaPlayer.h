@@ -1,0 +1,34 @@
+#pragma once
+
+#include "MediaPlayer.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+class QAudioOutput;
+class QMediaPlayer;
+
+// Plays inside the window through Qt Multimedia: the sound to the default output, the picture to a video
+// widget that fills the area the window gives.
+class QtMediaPlayer : public QObject, public MediaPlayer
+{
+    Q_OBJECT
+public:
+    explicit QtMediaPlayer(QObject* parent = nullptr);
+    ~QtMediaPlayer() override;
+
+    void setUrl(const QString& path) override;
+    void close() override;
+    void showIn(QWidget* area) override;
+
+    // For callers that need to know whether it really plays: the state says Playing even for media that
+    // cannot be decoded, the media status and the position do not lie.
+    QMediaPlayer* backend() const { return m_player; }
+    QWidget* videoWidget() const { return m_video; }
+
+private:
+    QMediaPlayer* m_player = nullptr;
+    QAudioOutput* m_audio = nullptr;
+    QPointer<QWidget> m_video;
+};

@@ -1,0 +1,126 @@
+#include "SearchSection.h"
+
+#include "SearchResultModel.h"
+#include "actions/ItemActions.h"
+#include "actions/UnhandledError.h"
+#include "browser/ResultPanes.h"
+
+#include <QEvent>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+
+SearchSection::SearchSection(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes,
+                             ItemActions& actions, const Services& services, QObject* parent)
+    : QObject(parent), m_flavour(flavour), m_ui(ui), m_panes(panes), m_actions(actions), m_services(services)
+{
+    QListView* list5 = m_ui.List[5];
+    m_model = new SearchResultModel(list5);
+    list5->setModel(m_model);
+    list5->setUniformItemSizes(true);
+    list5->setSelectionMode(QAbstractItemView::SingleSelection);
+    list5->setMouseTracking(true);
+    list5->viewport()->installEventFilter(this);
+
+    connect(m_ui.Label9Com, &QPushButton::clicked, this, [this] { Label9Com_Click(); });
+    connect(m_ui.SearchFolders, &QPushButton::clicked, this, [this] { SearchFolders_Click(); });
+    connect(m_ui.SearchFiles, &QPushButton::clicked, this, [this] { SearchFiles_Click(); });
+    connect(list5, &QAbstractItemView::clicked, this, [this] { List5_Click(); });
+    connect(list5, &QAbstractItemView::doubleClicked, this, [this] { List5_DblClick(); });
+}
+
+void SearchSection::Label9Com_Click()
+{
+    m_ui.Frame1->setHidden(!m_ui.Frame1->isHidden());
+    if (!m_ui.Frame1->isHidden())
+        m_ui.Frame1->raise();
+}
+
+void SearchSection::SearchFolders_Click()
+{
+    search(SearchResult::Kind::Folders);
+}
+
+void SearchSection::SearchFiles_Click()
+{
+    search(SearchResult::Kind::Files);
+}
+
+void SearchSection::search(SearchResult::Kind kind)
+{
+    m_kind = kind;
+    m_model->clear();
+    m_ui.Label1[7]->setText(QString());
+    const QString wanted = m_ui.srchFolder->text();
+    if (wanted.isEmpty())
+        return;
+    SearchResult found = ListSearch::run(m_panes.result(), kind, wanted);
+    // The grid was searched by moving its current row down to each entry in turn, so it ends on the last one.
+    const int pane = kind == SearchResult::Kind::Folders ? 2 : 4;
+    if (m_panes.grids() && m_panes.rowCount(pane) > 0)
+        m_panes.setCurrentRow(pane, m_panes.rowCount(pane) - 1);
+    m_ui.Label1[7]->setText(found.countCaption());
+    m_model->setResult(std::move(found));
+}
+
+QString SearchSection::selectedLine() const
+{
+    const QModelIndex current = m_ui.List[5]->currentIndex();
+    return current.isValid() ? current.data().toString() : QString();
+}
+
+void SearchSection::List5_Click()
+{
+    // The serial is read back from the line, characters 3 to 7, into a 16-bit number: a six-digit serial loses
+    // its last digit and selects another item, and from 32,768 on it overflows.
+    bool numeric = false;
+    const int serial = selectedLine().mid(2, 5).trimmed().toInt(&numeric);
+    if (!numeric) {
+        failUnhandled(m_services, RuntimeError::TypeMismatch);
+        return;
+    }
+    if (serial > 32767) {
+        failUnhandled(m_services, RuntimeError::Overflow);
+        return;
+    }
+    const int row = serial - 1;
+    const int first = searchingFolders() ? 1 : 3;
+    // An old result after a new scan may point past the end of the panes.
+    if (row < 0 || row >= m_panes.rowCount(first)) {
+        failUnhandled(m_services, RuntimeError::InvalidArrayIndex);
+        return;
+    }
+    for (int pane : {first, first + 1}) {
+        m_panes.setCurrentRow(pane, row);
+        if (m_flavour.selectingRunsClick)
+            m_panes.click(pane);
+    }
+    if (searchingFolders())
+        m_ui.Text1->setText(m_actions.text(BrowserFlavour::ItemText::FolderPathAtNameRow));
+    else
+        m_ui.Text2->setText(m_actions.text(BrowserFlavour::ItemText::FilePathRow));
+}
+
+void SearchSection::List5_DblClick()
+{
+    m_actions.closePlayer();
+    if (searchingFolders()) {
+        // The shell was handed the folder as the directory to start in, with no file: it opens that folder.
+        const QString folder = m_actions.text(m_flavour.searchFolderText);
+        if (m_actions.openMode())
+            m_actions.open(folder);
+        else
+            m_actions.locate(folder);
+        return;
+    }
+    m_actions.pathOfFilez(m_actions.text(m_flavour.searchFileText));
+}
+
+bool SearchSection::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::MouseMove && watched == m_ui.List[5]->viewport())
+        m_ui.List[5]->setToolTip(selectedLine());
+    return QObject::eventFilter(watched, event);
+}
