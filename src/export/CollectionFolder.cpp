@@ -37,6 +37,12 @@ QString CollectionFolder::filePath(const QString& fileName) const
     return pathWithSeparator() + fileName;
 }
 
+QString CollectionFolder::inText(QString text) const
+{
+    text.replace(QStringLiteral("C:\\QUILLBOX"), m_path.toUpper());
+    return text.replace(QStringLiteral("C:\\Quillbox"), m_path);
+}
+
 QByteArray CollectionFolder::nativePath() const
 {
     return native(m_path);

@@ -18,6 +18,9 @@ public:
     QString pathWithSeparator() const;                    // "C:\Quillbox\"
     QString filePath(const QString& fileName) const;      // "C:\Quillbox\" + fileName
     QByteArray nativePath() const;
+    // A text written for "C:\Quillbox" with this folder's path put in its place, in capitals where the text has
+    // "C:\QUILLBOX".
+    QString inText(QString text) const;
     static QByteArray native(const QString& displayPath);
 
     // Creates the folder when nothing is there yet; the run-time error number, or 0.
