@@ -77,12 +77,6 @@ const BrowserFlavour& BrowserFlavour::shortBrowser()
             QStringLiteral("File of this name exists in the Folder 'C:\\Quillbox'. Would you like to replace this file?");
         s.folderCopiedReport = QStringLiteral("Folder/ Sub-Folders of the Folder '%1' copied to 'C:\\QUILLBOX' folder");
         s.absoluteNameHeading = QStringLiteral("Aboslute File Name is:");
-        s.rightClickSelects = true;
-        s.menusReadCurrentCells = false;
-        s.replaceFileQuestion =
-            QStringLiteral("File of this name exists in the Folder 'C:\\Quillbox'. Would you like to replace this file?");
-        s.folderCopiedReport = QStringLiteral("Folder/ Sub-Folders of the Folder '%1' copied to 'C:\\QUILLBOX' folder");
-        s.absoluteNameHeading = QStringLiteral("Aboslute File Name is:");
         s.restore = restoreValues(s);
         return s;
     }();
@@ -141,12 +135,6 @@ const BrowserFlavour& BrowserFlavour::longBrowser()
             QStringLiteral("Show Item Serial Number"),    QStringLiteral("Show Absolute File Name"),
             QStringLiteral("Save Contents of this List"), QStringLiteral("Save this File to C:\\Quillbox")};
         l.fileMenuSeparatorBefore = 4;
-        l.rightClickSelects = false;
-        l.menusReadCurrentCells = true;
-        l.replaceFileQuestion =
-            QStringLiteral("File %1 exists in the Folder 'C:\\Quillbox'. Would you like to replace this file?");
-        l.folderCopiedReport = QStringLiteral("Folder/ Sub-Folders of %1 copied to 'C:\\QUILLBOX' folder");
-        l.absoluteNameHeading = QStringLiteral("Aboslute FileName is:");
         l.rightClickSelects = false;
         l.menusReadCurrentCells = true;
         l.replaceFileQuestion =

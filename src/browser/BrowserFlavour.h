@@ -78,18 +78,6 @@ struct BrowserFlavour
     QString folderCopiedReport;
     QString absoluteNameHeading;
 
-    // What the context menus and the copies into the collection folder act on. A right-click in ShortBrowser
-    // selects the entry under the mouse first, in its folder list only once something is selected; LongBrowser
-    // acts on the rows current before the click. ShortBrowser reads a partner list at the index of the list
-    // clicked; LongBrowser reads each grid's current cell, and copies the file named in the file path box.
-    bool rightClickSelects = true;
-    bool menusReadCurrentCells = false;
-    // What they say. "C:\Quillbox" and "C:\QUILLBOX" stand for the collection folder's path; %1 is the item's
-    // name in capitals.
-    QString replaceFileQuestion;
-    QString folderCopiedReport;
-    QString absoluteNameHeading;
-
     QList<Restore> restore;
 
     // The result pane names: "List1".."List4" or "MSFlexGrid1".."MSFlexGrid4".
