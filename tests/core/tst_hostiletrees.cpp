@@ -1,0 +1,131 @@
+#include "TreeBuilder.h"
+#include "scan/FolderWalk.h"
+
+#include <QProcess>
+#include <QSet>
+#include <QTest>
+#include <atomic>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <thread>
+
+using L = ScanResult::List;
+
+// Trees that try to break the walk: busy folders, things that change under it, entries that are not files.
+class TestHostileTrees : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void changesWhileWalking()
+    {
+        // Files are deleted and made again and folders renamed while the walk runs; it must finish, and
+        // whatever it lists must hang together: every file's folder is listed (or is the start folder).
+        TreeBuilder t;
+        for (int d = 0; d < 40; ++d)
+            for (int f = 0; f < 50; ++f)
+                t.file("d" + QByteArray::number(d) + "/sub/f" + QByteArray::number(f), 100);
+        std::atomic_bool stop{false};
+        std::thread vandal([&] {
+            for (int round = 0; !stop; ++round) {
+                const QByteArray d = t.path("d" + QByteArray::number(round % 40));
+                const QByteArray moved = d + "-moved";
+                ::rename(d.constData(), moved.constData());
+                for (int f = 0; f < 50; f += 7)
+                    ::unlink((moved + "/sub/f" + QByteArray::number(f)).constData());
+                ::rename(moved.constData(), d.constData());
+                for (int f = 0; f < 50; f += 7) {
+                    const int fd = ::open((d + "/sub/f" + QByteArray::number(f)).constData(), O_CREAT | O_WRONLY, 0644);
+                    if (fd >= 0)
+                        ::close(fd);
+                }
+            }
+        });
+        for (int run = 0; run < 10; ++run) {
+            const auto r = FolderWalk::run(t.root());
+            QSet<QByteArray> folders{t.root()};
+            for (qint64 i = 0; i < r->count(L::FolderPaths); ++i)
+                folders.insert(r->entry(L::FolderPaths, i));
+            QVERIFY(r->folderCount() <= 80);
+            QVERIFY(r->fileCount() <= 2000);
+            for (qint64 i = 0; i < r->fileCount(); ++i) {
+                const QByteArray p = r->entry(L::FilePaths, i);
+                QVERIFY2(folders.contains(p.left(p.lastIndexOf('/'))), p.constData());
+                QCOMPARE(r->entry(L::FileNames, i), p.mid(p.lastIndexOf('/') + 1));
+            }
+        }
+        stop = true;
+        vandal.join();
+    }
+
+    void pipesSocketsAndBusyFolders()
+    {
+        // Pipes and sockets are listed as files and never opened (opening a pipe would block the walk).
+        TreeBuilder t;
+        t.file("big/.keep");
+        QCOMPARE(::mkfifo(t.path("big/a-pipe").constData(), 0644), 0);
+        const int s = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        sockaddr_un addr{};
+        addr.sun_family = AF_UNIX;
+        const QByteArray sock = t.path("big/b-socket");
+        if (size_t(sock.size()) < sizeof addr.sun_path) {
+            std::memcpy(addr.sun_path, sock.constData(), size_t(sock.size()));
+            QCOMPARE(::bind(s, reinterpret_cast<sockaddr*>(&addr), sizeof addr), 0);
+        }
+        // One folder of 200,000 files.
+        const int dfd = ::open(t.path("big").constData(), O_RDONLY | O_DIRECTORY);
+        for (int i = 0; i < 200000; ++i) {
+            const int fd = ::openat(dfd, ("file " + QByteArray::number(i)).constData(), O_CREAT | O_WRONLY, 0644);
+            QVERIFY(fd >= 0);
+            ::close(fd);
+        }
+        ::close(dfd);
+        const auto r = FolderWalk::run(t.root());
+        ::close(s);
+        QCOMPARE(r->fileCount(), 200003);
+        QCOMPARE(r->entry(L::FileNames, 0), QByteArray(".keep"));
+        QCOMPARE(r->entry(L::FileNames, 1), QByteArray("a-pipe"));
+        QCOMPARE(r->entry(L::FileNames, 2), QByteArray("b-socket"));
+        QCOMPARE(r->entry(L::FileNames, 3), QByteArray("file 0"));
+        QCOMPARE(r->entry(L::FileNames, 4), QByteArray("file 1"));
+        QCOMPARE(r->entry(L::FileNames, 5), QByteArray("file 10"));
+        QCOMPARE(r->entry(L::FileNames, 200002), QByteArray("file 99999"));
+
+        // The Short flavour stops at its limit within the one folder.
+        WalkOptions o;
+        o.flavour = ScanResult::Flavour::Short;
+        const auto s2 = FolderWalk::run(t.root(), o);
+        QVERIFY(s2->limitReached());
+        QCOMPARE(s2->fileCount(), 32767);
+        QVERIFY(s2->noFolderFound()); // the limit struck before the folder was complete
+    }
+
+    void oddNamesThroughTheLister()
+    {
+        // Names that are not UTF-8, hold line breaks or start with dashes reach the listing byte for byte.
+        TreeBuilder t, home;
+        const QList<QByteArray> names = {"bad\xff\xfe", "-rf", "--help", "line\nbreak", "tab\there",
+                                         "quote'\"x", "star*?[x]", QByteArray(255, 'L')};
+        for (const QByteArray& n : names)
+            t.file("odd \xe9/" + n, 1);
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("HOME"), QFile::decodeName(home.root()));
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(QUILLARY_LIST), {QStringLiteral("--name"), QStringLiteral("odd"), QStringLiteral("--"),
+                                                QFile::decodeName(t.root())});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitCode(), 0);
+        QFile files(QFile::decodeName(home.root()) + QStringLiteral("/Quillbox/Files List WithPath odd.txt"));
+        QVERIFY(files.open(QIODevice::ReadOnly));
+        const QByteArray text = files.readAll();
+        for (const QByteArray& n : names)
+            QVERIFY2(text.contains("\r\n" + t.root() + "/odd \xe9/" + n + "\r\n"), n.constData());
+        QFile folders(QFile::decodeName(home.root()) + QStringLiteral("/Quillbox/Folders List - odd.txt"));
+        QVERIFY(folders.open(QIODevice::ReadOnly));
+        QVERIFY(folders.readAll().contains("\r\nodd \xe9 (0kB)\r\n"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHostileTrees)
+#include "tst_hostiletrees.moc"
