@@ -34,11 +34,14 @@ add_library(quillary_widgets STATIC
     browser/ResultList.cpp browser/ResultList.h
     browser/ResultListModel.cpp browser/ResultListModel.h
     browser/ResultPanes.cpp browser/ResultPanes.h
+    browser/SaveActions.cpp browser/SaveActions.h
     actions/GoToCell.cpp actions/GoToCell.h
     actions/ItemActions.cpp actions/ItemActions.h
     actions/UnhandledError.h
     search/SearchResultModel.cpp search/SearchResultModel.h
     search/SearchSection.cpp search/SearchSection.h
+    actions/ContextMenus.cpp actions/ContextMenus.h
+    actions/CopyActions.cpp actions/CopyActions.h
     startup/OptionsControls.h
     startup/OptionsWindow.cpp startup/OptionsWindow.h
 )

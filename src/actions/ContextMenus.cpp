@@ -1,11 +1,10 @@
 #include "ContextMenus.h"
 
 #include "browser/BrowserWindow.h"
-#include "browser/ResultList.h"
+#include "ItemActions.h"
 #include "browser/ResultPanes.h"
 #include "browser/SaveActions.h"
 #include "platform/MessageService.h"
-#include "platform/ShellService.h"
 #include "platform/Twips.h"
 
 #include <QAbstractItemView>
@@ -77,11 +76,10 @@ void ContextMenus::pane_MouseDown(int pane, Qt::MouseButton Button, float X, flo
     if (idx == -1)
         return;
     if (flavour.rightClickSelects) {
-        // A point below the last entry answers 0, so the first entry is taken. Setting ListIndex runs the
-        // list's click handler, as a click would.
+        // A point below the last entry answers 0, so the first entry is taken.
         panes.setCurrentRow(pane, idx);
-        if (auto* list = qobject_cast<ResultList*>(m_views[pane]))
-            emit list->listClicked();
+        if (flavour.selectingRunsClick)
+            panes.click(pane);
     }
     const BrowserControls& ui = m_window.controls();
     (pane == 2 ? ui.mnuPopUp2 : ui.mnuPopUp)->popup(globalPos);
@@ -108,23 +106,23 @@ QString ContextMenus::fileName() const
 
 void ContextMenus::OpenFolder()
 {
-    m_services.shell->open(folderPath());
+    m_window.actions().open(folderPath());
 }
 
 void ContextMenus::LocateThisFolder()
 {
-    m_services.shell->locate(m_window.controls().Text1->text());
+    m_window.actions().locate(m_window.controls().Text1->text());
 }
 
 void ContextMenus::OpenThisFile()
 {
     // Always the shell's open, never the player a double-click may use.
-    m_services.shell->open(m_window.controls().Text2->text());
+    m_window.actions().open(m_window.controls().Text2->text());
 }
 
 void ContextMenus::LocateThisFile()
 {
-    m_services.shell->locate(m_window.controls().Text2->text());
+    m_window.actions().locate(m_window.controls().Text2->text());
 }
 
 void ContextMenus::ShowSerialNo2()

@@ -1,15 +1,14 @@
 #include "CopyActions.h"
 
+#include "UnhandledError.h"
 #include "browser/BrowserWindow.h"
 #include "browser/ResultPanes.h"
 #include "common/NativeText.h"
-#include "common/RuntimeError.h"
 #include "export/CollectionFolder.h"
 #include "export/FileOps.h"
 #include "export/ItemCopy.h"
 #include "platform/CopyProgressService.h"
 #include "platform/MessageService.h"
-#include "platform/ProgramEnd.h"
 
 #include <QLineEdit>
 
@@ -26,12 +25,6 @@ QString withName(QString text, const QString& name)
 CopyActions::CopyActions(const BrowserWindow& window, const Services& services)
     : m_window(window), m_services(services)
 {
-}
-
-void CopyActions::unhandled(int error)
-{
-    m_services.messages->message(RuntimeError::unhandledText(error), 16);
-    m_services.programEnd->end();
 }
 
 void CopyActions::copySelectedFile()
@@ -57,7 +50,7 @@ void CopyActions::copySelectedFile()
         if (m_services.messages->message(question, 52) != Answer::Yes)
             return;
         if (const int error = ItemCopy::removeFile(target)) {
-            unhandled(error);
+            failUnhandled(m_services, error);
             return;
         }
         report = QStringLiteral("File ") + name + collection.inText(QStringLiteral(" replaced successfully in C:\\QUILLBOX."));
@@ -65,7 +58,7 @@ void CopyActions::copySelectedFile()
         report = QStringLiteral("File ") + name + collection.inText(QStringLiteral(" saved successfully in C:\\QUILLBOX."));
     }
     if (const int error = ItemCopy::copyFile(NativeText::fromDisplay(source), target)) {
-        unhandled(error);
+        failUnhandled(m_services, error);
         return;
     }
     m_services.messages->message(report, 64);

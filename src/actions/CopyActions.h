@@ -20,8 +20,6 @@ public:
     void CopyFolders();
 
 private:
-    void unhandled(int error);
-
     const BrowserWindow& m_window;
     Services m_services;
 };

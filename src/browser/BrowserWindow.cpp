@@ -12,6 +12,8 @@
 #include "ResultGrid.h"
 #include "ResultList.h"
 #include "ResultPanes.h"
+#include "SaveActions.h"
+#include "actions/ContextMenus.h"
 #include "common/RuntimeError.h"
 #include "export/CollectionFolder.h"
 #include "platform/MediaPlayer.h"
@@ -147,6 +149,8 @@ BrowserWindow::BrowserWindow(const BrowserFlavour& flavour, const Services& serv
     m_driver = new ListingDriver(m_flavour, m_ui, *m_panes, m_services, this);
     connect(m_ui.List_Folders, &QPushButton::clicked, m_driver, &ListingDriver::List_Folders_Click);
     connect(m_driver, &ListingDriver::finished, this, &BrowserWindow::scanFinished);
+    auto* saves = new SaveActions(*this, m_services);
+    new ContextMenus(*this, m_services, *saves);
     m_actions = new ItemActions(m_flavour, m_ui, *m_panes, m_services, this);
     m_search = new SearchSection(m_flavour, m_ui, *m_panes, *m_actions, m_services, this);
     if (m_flavour.hasGoToFrame)

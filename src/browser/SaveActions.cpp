@@ -1,0 +1,112 @@
+#include "SaveActions.h"
+
+#include "BrowserWindow.h"
+#include "export/CollectionFolder.h"
+#include "export/FileOps.h"
+#include "platform/InputService.h"
+#include "platform/MessageService.h"
+#include "platform/ShellService.h"
+#include "platform/Twips.h"
+
+#include <QEvent>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPushButton>
+
+namespace {
+
+// The save flow's questions and reports through the window's own boxes, and its timing in Label12.
+class WindowSaveHost : public SaveHost
+{
+public:
+    WindowSaveHost(const Services& services, QLabel* label12) : m_services(services), m_label12(label12) {}
+
+    QString inputBox(const QString& prompt) override { return m_services.input->inputBox(prompt, {}, {}); }
+    Answer messageBox(const QString& text, int style) override { return m_services.messages->message(text, style); }
+    void writingLabel(const QString& caption, bool visible) override
+    {
+        if (!m_label12)
+            return;
+        m_label12->setText(caption);
+        m_label12->setVisible(visible);
+    }
+
+private:
+    const Services& m_services;
+    QLabel* m_label12;
+};
+
+} // namespace
+
+SaveActions::SaveActions(BrowserWindow& window, const Services& services)
+    : QObject(&window), m_window(window), m_services(services)
+{
+    const BrowserControls& ui = window.controls();
+    // Only the grid window times the writing of a set, in a status label between the timing label and the
+    // collection folder's label.
+    if (window.flavour().walk == ScanResult::Flavour::Long) {
+        m_label12 = new QLabel(ui.pathFrame);
+        m_label12->setObjectName(QStringLiteral("Label12"));
+        m_label12->setAlignment(Qt::AlignCenter);
+        m_label12->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        Twips::place(m_label12, QRect(5775, 1455, 930, 195));
+        m_label12->hide();
+    }
+    connect(ui.CreateTextFiles, &QPushButton::clicked, this, [this] { CreateTextFiles_Click(); });
+    for (QLabel* label : ui.Label4)
+        label->installEventFilter(this);
+}
+
+bool SaveActions::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::MouseButtonRelease) {
+        auto* mouse = static_cast<QMouseEvent*>(event);
+        const auto& labels = m_window.controls().Label4;
+        for (int i = 0; i < int(labels.size()); ++i) {
+            if (watched == labels[i] && mouse->button() == Qt::LeftButton &&
+                labels[i]->rect().contains(mouse->position().toPoint())) {
+                Label4_Click(i);
+                return true;
+            }
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void SaveActions::CreateTextFiles_Click()
+{
+    save(SaveFlow::Kind::Set);
+}
+
+void SaveActions::saveFolderList()
+{
+    save(SaveFlow::Kind::SingleFolders);
+}
+
+void SaveActions::saveFileList()
+{
+    save(SaveFlow::Kind::SingleFiles);
+}
+
+void SaveActions::save(SaveFlow::Kind kind)
+{
+    const BrowserControls& ui = m_window.controls();
+    const std::shared_ptr<const ScanResult> result = m_window.scanResult();
+    WindowSaveHost host(m_services, m_label12);
+    SystemFileOps ops;
+    SaveFlow(host, ops, CollectionFolder())
+        .run(kind, SaveSources{result.get(), m_window.flavour().walk, ui.Label4[3]->text(), ui.Label2->text()});
+}
+
+void SaveActions::Label4_Click(int Index)
+{
+    if (Index != 1)
+        return;
+    const CollectionFolder collection;
+    const Answer answer = m_services.messages->message(QStringLiteral("Listed files are saved in the folder ") +
+                                                           collection.pathWithSeparator() +
+                                                           QStringLiteral(". Would you like to open this Folder?"),
+                                                       68);
+    if (answer == Answer::Yes)
+        m_services.shell->open(collection.path());
+}
