@@ -6,10 +6,15 @@
 #include "startup/OptionsWindow.h"
 
 #include <QApplication>
+#include <csignal>
 
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
+#ifdef SIGXFSZ
+    // Past a file-size limit a write should fail ("Disk full"), not end the program half-way through a save.
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
     QApplication::setApplicationName(QStringLiteral("Quillary"));
     QApplication::setApplicationVersion(QStringLiteral("4.50"));
 
