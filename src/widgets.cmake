@@ -58,5 +58,8 @@ add_executable(quillary WIN32 app/main.cpp)
 if(UNIX)
     target_sources(quillary PRIVATE app/AutomationProbe.cpp app/AutomationProbe.h)
 endif()
+if(WIN32)
+    target_sources(quillary PRIVATE app/quillary.manifest) # UTF-8 as the active code page
+endif()
 target_link_libraries(quillary PRIVATE quillary_widgets)
 install(TARGETS quillary RUNTIME DESTINATION bin)
