@@ -5,7 +5,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 # The folder `make run` lists until the window exists; override with `make run FOLDER=/some/where`.
 FOLDER     ?= $(HOME)
 
-.PHONY: all deps configure build run test test-asan bench format clean
+.PHONY: all deps configure build run test test-asan bench install format clean
 
 all: build
 
@@ -37,6 +37,9 @@ test-asan: deps
 bench: build
 	@./scripts/setup-deps.sh --bench
 	./bench/run.sh
+
+install: build
+	cmake --install $(BUILD)
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')
