@@ -3,6 +3,8 @@
 # Used by `make` on a fresh machine and by CI; harmless to run again.
 set -euo pipefail
 pkgs=(cmake ninja-build g++ make qt6-base-dev qt6-multimedia-dev libgl-dev time python3)
+# Media in the player frame: Qt Multimedia's GStreamer backend with WAV, MP3 and AU (-good) and H.264 and AAC (-libav).
+pkgs+=(gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav)
 # The end-to-end test: an X server, a window manager with close boxes, real input.
 pkgs+=(xvfb xdotool openbox wmctrl)
 if [ "${1:-}" = "--bench" ]; then pkgs+=(gdu); fi
