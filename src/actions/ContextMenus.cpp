@@ -1,7 +1,7 @@
 #include "ContextMenus.h"
 
-#include "browser/BrowserWindow.h"
 #include "ItemActions.h"
+#include "browser/BrowserWindow.h"
 #include "browser/ResultPanes.h"
 #include "browser/SaveActions.h"
 #include "platform/MessageService.h"
@@ -24,12 +24,12 @@ ContextMenus::ContextMenus(BrowserWindow& window, const Services& services, Save
         m_views[pane] = grids ? static_cast<QAbstractItemView*>(ui.MSFlexGrid[pane]) : ui.List[pane];
         m_views[pane]->viewport()->installEventFilter(this);
     }
-    bind(ui.mnuPopUp2, {[this] { OpenFolder(); }, [this] { LocateThisFolder(); }, [this] { ShowSerialNo2(); },
-                        [this] { ShowFolderPath(); }, [this] { m_saves.saveFolderList(); },
-                        [this] { m_copies.CopyFolders(); }});
-    bind(ui.mnuPopUp, {[this] { OpenThisFile(); }, [this] { LocateThisFile(); }, [this] { ShowSerialNo(); },
-                       [this] { AbsoluteFileName(); }, [this] { m_saves.saveFileList(); },
-                       [this] { m_copies.copySelectedFile(); }});
+    bind(ui.mnuPopUp2,
+         {[this] { OpenFolder(); }, [this] { LocateThisFolder(); }, [this] { ShowSerialNo2(); },
+          [this] { ShowFolderPath(); }, [this] { m_saves.saveFolderList(); }, [this] { m_copies.CopyFolders(); }});
+    bind(ui.mnuPopUp,
+         {[this] { OpenThisFile(); }, [this] { LocateThisFile(); }, [this] { ShowSerialNo(); },
+          [this] { AbsoluteFileName(); }, [this] { m_saves.saveFileList(); }, [this] { m_copies.copySelectedFile(); }});
 }
 
 // The entries stand in the same order in both windows, under names and captions that differ.

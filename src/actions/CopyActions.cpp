@@ -22,8 +22,7 @@ QString withName(QString text, const QString& name)
 
 } // namespace
 
-CopyActions::CopyActions(const BrowserWindow& window, const Services& services)
-    : m_window(window), m_services(services)
+CopyActions::CopyActions(const BrowserWindow& window, const Services& services) : m_window(window), m_services(services)
 {
 }
 
@@ -53,9 +52,11 @@ void CopyActions::copySelectedFile()
             failUnhandled(m_services, error);
             return;
         }
-        report = QStringLiteral("File ") + name + collection.inText(QStringLiteral(" replaced successfully in C:\\QUILLBOX."));
+        report = QStringLiteral("File ") + name +
+                 collection.inText(QStringLiteral(" replaced successfully in C:\\QUILLBOX."));
     } else {
-        report = QStringLiteral("File ") + name + collection.inText(QStringLiteral(" saved successfully in C:\\QUILLBOX."));
+        report =
+            QStringLiteral("File ") + name + collection.inText(QStringLiteral(" saved successfully in C:\\QUILLBOX."));
     }
     if (const int error = ItemCopy::copyFile(NativeText::fromDisplay(source), target)) {
         failUnhandled(m_services, error);

@@ -109,8 +109,8 @@ private slots:
         }
         // The header comes from the window's labels.
         const QByteArray file1 = read(setName(1, QStringLiteral("Alpha")));
-        const QByteArray header = "SOURCE:" + w->controls().Label4[3]->text().toUtf8() + "\r\n\r\nParent Folder: " +
-                                  w->controls().Label2->text().toUtf8() +
+        const QByteArray header = "SOURCE:" + w->controls().Label4[3]->text().toUtf8() +
+                                  "\r\n\r\nParent Folder: " + w->controls().Label2->text().toUtf8() +
                                   "\r\nLIST OF FOLDERS WITH THEIR PATHS (3):\r\n\r\n";
         QVERIFY2(file1.contains(header), file1.constData());
         const QByteArray file4 = read(setName(4, QStringLiteral("Alpha")));
@@ -123,9 +123,9 @@ private slots:
         m_fakes.messages.answers = {Answer::No};
         createTextFiles(*w, QStringLiteral("Alpha"));
         const QString question = QStringLiteral("19|You are already having a file with the name ") +
-                                  setName(1, QStringLiteral("Alpha")) +
-                                  QStringLiteral(" in the default folder.\r\n"
-                                                 "Would you still like to save by and replace the original file?");
+                                 setName(1, QStringLiteral("Alpha")) +
+                                 QStringLiteral(" in the default folder.\r\n"
+                                                "Would you still like to save by and replace the original file?");
         QCOMPARE(texts(),
                  QStringList({question, QStringLiteral("48|Folder List not saved, recommended to try again.")}));
         QCOMPARE(read(setName(1, QStringLiteral("Alpha"))), QByteArray("mine"));
@@ -202,8 +202,9 @@ private slots:
         m_fakes.input.answers = {QStringLiteral("One")};
         entry(*w, longVersion ? QStringLiteral("SaveMSFlexGrid2Contents") : QStringLiteral("SaveList2Contents"))
             ->trigger();
-        QCOMPARE(texts(), QStringList{QStringLiteral("64|Following Text File created & saved successfully:\t\t\r\n\r\n") +
-                                      folders});
+        QCOMPARE(
+            texts(),
+            QStringList{QStringLiteral("64|Following Text File created & saved successfully:\t\t\r\n\r\n") + folders});
         const QByteArray folderList = read(folders);
         QVERIFY2(folderList.contains("LIST OF FOLDERS WITH THEIR PATHS (3):\r\n\r\n" + m_tree.path("A/A1") + "\r\n" +
                                      m_tree.path("A") + "\r\n"),
@@ -217,8 +218,9 @@ private slots:
         m_fakes.input.answers = {QStringLiteral("One")};
         entry(*w, longVersion ? QStringLiteral("SaveMSFlexGrid3Contents") : QStringLiteral("SaveList3Contents"))
             ->trigger();
-        QCOMPARE(texts(), QStringList{QStringLiteral("64|Following Text File created & saved successfully:\t\t\r\n\r\n") +
-                                      files});
+        QCOMPARE(
+            texts(),
+            QStringList{QStringLiteral("64|Following Text File created & saved successfully:\t\t\r\n\r\n") + files});
         QVERIFY(read(files).contains("LIST OF ALL FILES (4):\r\n\r\n"));
         QVERIFY(read(files).contains("\r\n" + m_tree.path("A/a1.txt") + "\r\n"));
 
