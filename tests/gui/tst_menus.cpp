@@ -196,14 +196,6 @@ private slots:
         trigger(*w, QStringLiteral("LocateThisFile"), QStringLiteral("LocateThisFile"));
         QCOMPARE(m_fakes.shell.located, QStringList({longVersion ? beta : w->panes().text(2, 1), three}));
         QVERIFY(m_fakes.messages.calls.isEmpty());
-
-        // Nothing selected: the number ends in 0 and the path messages show only their heading.
-        if (!longVersion) {
-            qobject_cast<ResultList*>(w->controls().List[2])->setListIndex(-1);
-            trigger(*w, QStringLiteral("ShowSerialNo2"), QString());
-            trigger(*w, QStringLiteral("ShowFolderPath"), QString());
-            QCOMPARE(texts(), QStringList{QStringLiteral("0|Selected Folder Path is:\r\n\r\n")});
-        }
     }
 
     void fileCopy_data() { messagesAndShell_data(); }

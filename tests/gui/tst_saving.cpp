@@ -210,9 +210,6 @@ private slots:
                                      m_tree.path("A") + "\r\n"),
                  folderList.constData());
         QVERIFY(folderList.endsWith(longVersion ? "B\r\n\r\n" : "B\r\n\r\n\r\n"));
-        // No timing for a single list.
-        if (longVersion)
-            QVERIFY(w->findChild<QLabel*>(QStringLiteral("Label12"))->isHidden());
 
         m_fakes.messages.calls.clear();
         m_fakes.input.answers = {QStringLiteral("One")};
@@ -223,16 +220,6 @@ private slots:
             QStringList{QStringLiteral("64|Following Text File created & saved successfully:\t\t\r\n\r\n") + files});
         QVERIFY(read(files).contains("LIST OF ALL FILES (4):\r\n\r\n"));
         QVERIFY(read(files).contains("\r\n" + m_tree.path("A/a1.txt") + "\r\n"));
-
-        // Again, answering No: the files list has its own refusal.
-        m_fakes.messages.calls.clear();
-        m_fakes.messages.answers = {Answer::No};
-        m_fakes.input.answers = {QStringLiteral("One")};
-        entry(*w, longVersion ? QStringLiteral("SaveMSFlexGrid3Contents") : QStringLiteral("SaveList3Contents"))
-            ->trigger();
-        QCOMPARE(texts().size(), 2);
-        QVERIFY(texts().first().startsWith(QStringLiteral("19|You are already having a file with the name ") + files));
-        QCOMPARE(texts().last(), QStringLiteral("48|File List not saved, recommended to try again."));
     }
 
     void collectionLabel()
