@@ -90,6 +90,14 @@ qsizetype displayLength(std::string_view bytes)
     return n;
 }
 
+QUrl fileUrl(const QString& displayPath)
+{
+    QUrl url;
+    url.setScheme(QStringLiteral("file"));
+    url.setPath(QString::fromLatin1(fromDisplay(displayPath).toPercentEncoding("/")), QUrl::TolerantMode);
+    return url;
+}
+
 QByteArray fromDisplay(QStringView text)
 {
     QByteArray out;

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QUrl>
 #include <string_view>
 
 // Paths and names travel through the program as the bytes the file system gave. They become text only to be
@@ -17,6 +18,10 @@ inline QString toDisplay(const QByteArray& bytes) { return toDisplay(std::string
 void appendDisplay(std::string_view bytes, QString& out);
 
 QByteArray fromDisplay(QStringView text);
+
+// A file: URL that carries the path's own bytes, percent-encoded, so that the shell or the player reaches a
+// file whose name is not UTF-8.
+QUrl fileUrl(const QString& displayPath);
 
 // True when every byte is below 0x80, the common case that needs no decoding.
 bool isAscii(std::string_view bytes);

@@ -18,6 +18,13 @@
 
 namespace ItemCopy {
 
+namespace {
+struct CopyPair
+{
+    QByteArray from, to;
+};
+} // namespace
+
 #ifndef _WIN32
 
 namespace {
@@ -141,13 +148,11 @@ int copyFile(const QByteArray& source, const QByteArray& target)
     return 0;
 }
 
-TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb)
+// The files of a folder copy, source and target, with the target's folders made already.
+static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray& destination,
+                                      const TreeCallbacks& cb, TreeOutcome& outcome)
 {
-    TreeOutcome outcome;
-    struct Pair
-    {
-        QByteArray from, to;
-    };
+    using Pair = CopyPair;
     // First the folders and files to copy, so the progress window can show how far it has got.
     std::vector<Pair> folders, files;
     QByteArray base = source;
@@ -187,38 +192,7 @@ TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, co
         if (::mkdir(dir.to.constData(), 0777) != 0 && errno != EEXIST && cb.problem)
             cb.problem(dir.to, errorFor(errno, dir.to));
     }
-    bool replaceAll = false;
-    const qint64 total = qint64(files.size());
-    for (qint64 k = 0; k < total; ++k) {
-        const Pair& f = files[size_t(k)];
-        if (cb.progress && !cb.progress(k, total, f.from)) {
-            outcome.cancelled = true;
-            return outcome;
-        }
-        if (fileExists(f.to) && !replaceAll) {
-            const Reply reply = cb.confirmReplace ? cb.confirmReplace(f.to) : Reply::Yes;
-            if (reply == Reply::Cancel) {
-                outcome.cancelled = true;
-                return outcome;
-            }
-            if (reply == Reply::No) {
-                ++outcome.skipped;
-                continue;
-            }
-            replaceAll = reply == Reply::YesToAll;
-        }
-        const int error = copyFile(f.from, f.to);
-        if (error != 0) {
-            ++outcome.skipped;
-            if (cb.problem)
-                cb.problem(f.from, error);
-            continue;
-        }
-        ++outcome.copied;
-    }
-    if (cb.progress)
-        cb.progress(total, total, {});
-    return outcome;
+    return files;
 }
 
 #else
@@ -255,18 +229,19 @@ int copyFile(const QByteArray& source, const QByteArray& target)
     return QFile::rename(temp, to) ? 0 : int(RuntimeError::PathFileAccess);
 }
 
-TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb)
+// The files of a folder copy, source and target, with the target's folders made already.
+static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray& destination,
+                                      const TreeCallbacks& cb, TreeOutcome& outcome)
 {
-    TreeOutcome outcome;
     const QDir src(QString::fromUtf8(source));
     const QString root = QString::fromUtf8(destination) + QLatin1Char('/') + src.dirName();
     if (!src.exists()) {
         if (cb.problem)
             cb.problem(source, RuntimeError::PathNotFound);
         ++outcome.skipped;
-        return outcome;
+        return {};
     }
-    QStringList files;
+    std::vector<CopyPair> files;
     QDirIterator it(src.path(), QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                     QDirIterator::Subdirectories);
     QDir().mkpath(root);
@@ -276,18 +251,27 @@ TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, co
         if (it.fileInfo().isDir() && !it.fileInfo().isSymLink())
             QDir().mkpath(root + QLatin1Char('/') + rel);
         else
-            files.append(rel);
+            files.push_back({(src.path() + QLatin1Char('/') + rel).toUtf8(), (root + QLatin1Char('/') + rel).toUtf8()});
     }
+    return files;
+}
+
+#endif
+
+TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb)
+{
+    TreeOutcome outcome;
+    const std::vector<CopyPair> files = planTree(source, destination, cb, outcome);
     bool replaceAll = false;
-    for (qint64 k = 0; k < files.size(); ++k) {
-        const QByteArray from = (src.path() + QLatin1Char('/') + files[k]).toUtf8();
-        const QByteArray to = (root + QLatin1Char('/') + files[k]).toUtf8();
-        if (cb.progress && !cb.progress(k, files.size(), from)) {
+    const qint64 total = qint64(files.size());
+    for (qint64 k = 0; k < total; ++k) {
+        const CopyPair& f = files[size_t(k)];
+        if (cb.progress && !cb.progress(k, total, f.from)) {
             outcome.cancelled = true;
             return outcome;
         }
-        if (fileExists(to) && !replaceAll) {
-            const Reply reply = cb.confirmReplace ? cb.confirmReplace(to) : Reply::Yes;
+        if (fileExists(f.to) && !replaceAll) {
+            const Reply reply = cb.confirmReplace ? cb.confirmReplace(f.to) : Reply::Yes;
             if (reply == Reply::Cancel) {
                 outcome.cancelled = true;
                 return outcome;
@@ -298,17 +282,17 @@ TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, co
             }
             replaceAll = reply == Reply::YesToAll;
         }
-        if (const int error = copyFile(from, to)) {
+        if (const int error = copyFile(f.from, f.to)) {
             ++outcome.skipped;
             if (cb.problem)
-                cb.problem(from, error);
+                cb.problem(f.from, error);
             continue;
         }
         ++outcome.copied;
     }
+    if (cb.progress)
+        cb.progress(total, total, {});
     return outcome;
 }
-
-#endif
 
 } // namespace ItemCopy

@@ -13,22 +13,9 @@
 #include <QDBusMessage>
 #endif
 
-namespace {
-
-// Display text back to the file system's own bytes, so names that are not UTF-8 still reach the shell intact.
-QUrl fileUrl(const QString& path)
-{
-    QUrl url;
-    url.setScheme(QStringLiteral("file"));
-    url.setPath(QString::fromLatin1(NativeText::fromDisplay(path).toPercentEncoding("/")), QUrl::TolerantMode);
-    return url;
-}
-
-} // namespace
-
 bool DesktopShellService::open(const QString& path)
 {
-    return QDesktopServices::openUrl(fileUrl(path));
+    return QDesktopServices::openUrl(NativeText::fileUrl(path));
 }
 
 bool DesktopShellService::locate(const QString& path)
@@ -43,13 +30,13 @@ bool DesktopShellService::locate(const QString& path)
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-    call << QStringList{fileUrl(path).toString(QUrl::FullyEncoded)} << QString();
+    call << QStringList{NativeText::fileUrl(path).toString(QUrl::FullyEncoded)} << QString();
     const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, 5000);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return true;
 #endif
     // No file manager answers on the bus (a bare window manager, a container): show the containing folder.
     const QFileInfo info(path);
-    return QDesktopServices::openUrl(fileUrl(info.isDir() && path.endsWith(QLatin1Char('/')) ? path : info.path()));
+    return QDesktopServices::openUrl(NativeText::fileUrl(info.isDir() && path.endsWith(QLatin1Char('/')) ? path : info.path()));
 #endif
 }

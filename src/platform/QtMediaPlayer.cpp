@@ -21,14 +21,6 @@ bool preferGStreamer()
     return true;
 }
 
-// The path's own bytes, so a name that is not UTF-8 still reaches the file.
-QUrl fileUrl(const QString& path)
-{
-    QUrl url;
-    url.setScheme(QStringLiteral("file"));
-    url.setPath(QString::fromLatin1(NativeText::fromDisplay(path).toPercentEncoding("/")), QUrl::TolerantMode);
-    return url;
-}
 
 } // namespace
 
@@ -70,7 +62,7 @@ void QtMediaPlayer::setUrl(const QString& path)
         m_player->setSource(QUrl());
         return;
     }
-    m_player->setSource(fileUrl(path));
+    m_player->setSource(NativeText::fileUrl(path));
     m_player->play();
 }
 

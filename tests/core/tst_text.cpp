@@ -45,6 +45,9 @@ private slots:
         QCOMPARE(NativeText::toDisplay(bytes), shown);
         QCOMPARE(NativeText::displayLength(view), shown.size());
         QCOMPARE(NativeText::fromDisplay(shown), bytes);
+        // The URL handed to the shell and the player carries the same bytes.
+        QCOMPARE(QByteArray::fromPercentEncoding(NativeText::fileUrl(QStringLiteral("/d/") + shown).path(QUrl::FullyEncoded).toLatin1()),
+                 "/d/" + bytes);
     }
 
     void numbers()
