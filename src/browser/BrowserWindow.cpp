@@ -624,7 +624,7 @@ QString BrowserWindow::GetDriveName(const QString& driveLetter) const
 void BrowserWindow::ShowDriveCaption()
 {
     m_driveText = m_ui.Drive1->currentText();
-    // Where the old routine took the drive letter, a volume is named by its root.
+    // Where Windows takes a drive letter, a volume is named here by its root.
     bool found = false;
     const Volume v = m_services.volumes->find(m_driveText, &found);
     const QString type = DriveTypeInfo(found ? v.root : m_driveText);

@@ -185,7 +185,7 @@ void ResultPanes::List3_Click()
 
 void ResultPanes::List4_Click()
 {
-    // The order is the old one: the name list is cleared first, and the path list then takes the entry the
+    // The order is kept on purpose: the name list is cleared first, and the path list then takes the entry the
     // name list still reports. List4 allows several selected entries, so its ListIndex is the entry with the
     // focus and survives the clearing; the clicked name leaves no highlight of its own, its path shows it.
     m_ui.Label1[2]->setText(selected(m_list[4]->listIndex()));
@@ -206,8 +206,8 @@ void ResultPanes::darkGreenSelection(ResultGrid* grid)
     grid->setSelectionColours(QColor(0, 128, 0), QColor(255, 255, 255));
 }
 
-// A click on a grid without rows finds no current row; what depends on it is skipped, as the old handlers
-// skipped every statement that failed.
+// A click on a grid without rows finds no current row; what depends on it is skipped, since the selection
+// handlers ignore a failing statement and go on with the next.
 void ResultPanes::MSFlexGrid1_Click()
 {
     const int row = m_grid[1]->row();
