@@ -4,34 +4,92 @@
 #include "TreeBuilder.h"
 
 #include "browser/BrowserWindow.h"
+#include "browser/ClickableFrame.h"
+#include "browser/ClickableLabel.h"
 #include "browser/ResultPanes.h"
+#include "scan/ScanResult.h"
+#include "search/SearchResultModel.h"
+#include "search/SearchSection.h"
 
+#include <QAbstractItemModelTester>
 #include <QAbstractItemView>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTest>
 #include <memory>
 
-// A browser window of either flavour over a folder, listed, with its collection folder under HOME.
+using namespace Qt::StringLiterals;
+
+// Browser windows of either flavour over faked services, with their collection folder under a temporary HOME.
 namespace BrowserTestKit {
+
+// A HOME of the test's own, for the whole test case.
+struct TestHome
+{
+    QTemporaryDir dir;
+    TestHome()
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        qputenv("HOME", QFile::encodeName(dir.path()));
+    }
+    QString path() const { return dir.path(); }
+};
+
+// The "longVersion" column with a row per flavour.
+inline void addFlavours()
+{
+    QTest::addColumn<bool>("longVersion");
+    QTest::newRow("ShortBrowser") << false;
+    QTest::newRow("LongBrowser") << true;
+}
 
 inline const BrowserFlavour& flavour(bool longVersion)
 {
     return longVersion ? BrowserFlavour::longBrowser() : BrowserFlavour::shortBrowser();
 }
 
-inline std::unique_ptr<BrowserWindow> listedWindow(FakeServices& fakes, bool longVersion, const QByteArray& folder)
+// A shown window whose pane and search models are checked for consistency through everything the test does.
+inline std::unique_ptr<BrowserWindow> window(FakeServices& fakes, bool longVersion)
 {
     auto w = std::make_unique<BrowserWindow>(flavour(longVersion), fakes.services(), nullptr);
+    for (int n = 1; n <= 4; ++n)
+        new QAbstractItemModelTester(w->panes().model(n), QAbstractItemModelTester::FailureReportingMode::QtTest,
+                                     w.get());
+    new QAbstractItemModelTester(w->search().model(), QAbstractItemModelTester::FailureReportingMode::QtTest, w.get());
     w->show();
+    return w;
+}
+
+// "List All Folders & Files", waiting for the walk to end.
+inline void scan(BrowserWindow& w)
+{
+    QSignalSpy done(&w, &BrowserWindow::scanFinished);
+    QTest::mouseClick(w.controls().List_Folders, Qt::LeftButton);
+    QVERIFY(done.wait(20000));
+}
+
+inline std::unique_ptr<BrowserWindow> listedWindow(FakeServices& fakes, bool longVersion, const QByteArray& folder)
+{
+    auto w = window(fakes, longVersion);
     w->setDir1Path(QFile::decodeName(folder));
-    QSignalSpy done(w.get(), &BrowserWindow::scanFinished);
-    QTest::mouseClick(w->findChild<QPushButton*>(QStringLiteral("List_Folders")), Qt::LeftButton);
-    if (!done.wait(20000))
-        qWarning("listing did not finish");
+    scan(*w);
+    return w;
+}
+
+// A window showing a result built in memory, as if a listing had just ended.
+inline std::unique_ptr<BrowserWindow> windowWith(FakeServices& fakes, bool longVersion,
+                                                 std::shared_ptr<const ScanResult> result)
+{
+    auto w = window(fakes, longVersion);
+    w->listResult(std::move(result));
     return w;
 }
 
@@ -48,9 +106,37 @@ inline QPoint rowPoint(const BrowserWindow& w, int n, int row)
     return QPoint(5, view->visualRect(index).center().y());
 }
 
+// Clicks entry `row` of a pane as the user would, after scrolling it into view.
 inline void clickRow(const BrowserWindow& w, int n, int row, Qt::MouseButton button = Qt::LeftButton)
 {
     QTest::mouseClick(pane(w, n)->viewport(), button, {}, rowPoint(w, n, row));
+}
+
+inline void doubleClickRow(const BrowserWindow& w, int n, int row)
+{
+    clickRow(w, n, row);
+    QTest::mouseDClick(pane(w, n)->viewport(), Qt::LeftButton, {}, rowPoint(w, n, row));
+}
+
+// The one selected row, or minus one more than the number selected.
+inline int selectedRow(const BrowserWindow& w, int n)
+{
+    const QModelIndexList rows = pane(w, n)->selectionModel()->selectedIndexes();
+    return rows.size() == 1 ? rows.first().row() : -int(rows.size()) - 1;
+}
+
+inline QStringList entries(const BrowserWindow& w, int n)
+{
+    QStringList out;
+    for (int row = 0; row < w.panes().rowCount(n); ++row)
+        out.append(w.panes().text(n, row));
+    return out;
+}
+
+inline QString label(const QWidget& w, const QString& name)
+{
+    const QLabel* l = w.findChild<QLabel*>(name);
+    return l ? l->text() : u"<no %1>"_s.arg(name);
 }
 
 inline QAction* entry(const BrowserWindow& w, const QString& name)
@@ -60,7 +146,7 @@ inline QAction* entry(const BrowserWindow& w, const QString& name)
 
 inline QString collectionPath()
 {
-    return QFile::decodeName(qgetenv("HOME")) + QStringLiteral("/Quillbox");
+    return QFile::decodeName(qgetenv("HOME")) + u"/Quillbox"_s;
 }
 
 inline QByteArray read(const QString& path)

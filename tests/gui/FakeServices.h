@@ -16,6 +16,15 @@
 #include <functional>
 
 // Services that record what they were asked and answer from queues held per instance.
+template <typename T> T takeFront(std::deque<T>& queue, T otherwise)
+{
+    if (queue.empty())
+        return otherwise;
+    T a = queue.front();
+    queue.pop_front();
+    return a;
+}
+
 struct FakeMessages : MessageService
 {
     struct Call
@@ -25,7 +34,7 @@ struct FakeMessages : MessageService
         QString title;
     };
     QList<Call> calls;
-    std::deque<Answer> answers;
+    std::deque<Answer> answers;      // Yes for a question, Ok otherwise, when empty
     std::function<void()> onMessage; // runs while the box would be up
 
     Answer message(const QString& text, int style, const QString& title) override
@@ -33,11 +42,15 @@ struct FakeMessages : MessageService
         calls.append({text, style, title});
         if (onMessage)
             onMessage();
-        if (answers.empty())
-            return (style & 7) == 4 || (style & 7) == 3 ? Answer::Yes : Answer::Ok;
-        const Answer a = answers.front();
-        answers.pop_front();
-        return a;
+        return takeFront(answers, (style & 7) == 4 || (style & 7) == 3 ? Answer::Yes : Answer::Ok);
+    }
+    // Each box as "style|text", for comparing a whole exchange at once.
+    QStringList texts() const
+    {
+        QStringList out;
+        for (const Call& call : calls)
+            out.append(QString::number(call.style) + QLatin1Char('|') + call.text);
+        return out;
     }
 };
 
@@ -48,11 +61,7 @@ struct FakeInput : InputService
     QString inputBox(const QString& prompt, const QString&, const QString&) override
     {
         prompts.append(prompt);
-        if (answers.empty())
-            return {};
-        const QString a = answers.front();
-        answers.pop_front();
-        return a;
+        return takeFront(answers, QString());
     }
 };
 
@@ -80,16 +89,8 @@ struct FakeVolumes : VolumeService
 struct FakeShell : ShellService
 {
     QStringList opened, located;
-    bool open(const QString& path) override
-    {
-        opened.append(path);
-        return true;
-    }
-    bool locate(const QString& path) override
-    {
-        located.append(path);
-        return true;
-    }
+    bool open(const QString& path) override { return opened.append(path), true; }
+    bool locate(const QString& path) override { return located.append(path), true; }
 };
 
 struct FakePlayer : MediaPlayer
@@ -123,11 +124,7 @@ struct FakeCopyProgress : CopyProgressService
     ItemCopy::Reply confirmReplace(const QString& target) override
     {
         asked.append(target);
-        if (replies.empty())
-            return ItemCopy::Reply::Yes;
-        const ItemCopy::Reply r = replies.front();
-        replies.pop_front();
-        return r;
+        return takeFront(replies, ItemCopy::Reply::Yes);
     }
     void problem(const QString& path, int) override { problems.append(path); }
     void finish() override { ++finishes; }
@@ -144,8 +141,15 @@ struct FakeServices
     FakeProgramEnd programEnd;
     FakeCopyProgress copyProgress;
 
-    Services services()
+    Services services() { return {&messages, &input, &admin, &volumes, &shell, &player, &programEnd, &copyProgress}; }
+    // Forgets what was asked and queued; the windows keep their pointers, the answers to admin and volumes stay.
+    void reset()
     {
-        return {&messages, &input, &admin, &volumes, &shell, &player, &programEnd, &copyProgress};
+        messages = FakeMessages();
+        input = FakeInput();
+        shell = FakeShell();
+        player = FakePlayer();
+        programEnd = FakeProgramEnd();
+        copyProgress = FakeCopyProgress();
     }
 };
