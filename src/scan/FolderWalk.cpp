@@ -24,6 +24,8 @@
 #include <sys/syscall.h>
 #endif
 #endif
+#include <climits>
+#include <cstdlib>
 #include <fstream>
 #include <unordered_set>
 
@@ -338,7 +340,9 @@ private:
 
     bool list(const Item& item, RawDir& self, int& dfd)
     {
-        dfd = item.fd >= 0 ? item.fd : ::open(item.path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+        // Links below the start folder are never followed; the start folder itself may be reached through one.
+        const int follow = item.id == 0 ? 0 : O_NOFOLLOW;
+        dfd = item.fd >= 0 ? item.fd : ::open(item.path.c_str(), O_RDONLY | O_DIRECTORY | follow | O_CLOEXEC);
         if (dfd < 0) {
             self.state = (errno == ENOENT || errno == ENOTDIR || errno == ELOOP) ? DirState::Vanished
                                                                                : DirState::Unreadable;
@@ -551,9 +555,16 @@ void loadMountPoints(const QByteArray& start, Shared& shared)
     if (!in)
         return;
     shared.mountsKnown = true;
-    std::string prefix(start.constData(), size_t(start.size()));
-    if (prefix.empty() || prefix.back() != Separator)
-        prefix.push_back(Separator);
+    // The table names mount points by their real paths; the walk builds paths on the start folder as given,
+    // which may lead there through a link.
+    const auto withSeparator = [](std::string p) {
+        if (p.empty() || p.back() != Separator)
+            p.push_back(Separator);
+        return p;
+    };
+    const std::string given = withSeparator(std::string(start.constData(), size_t(start.size())));
+    char real[PATH_MAX];
+    const std::string prefix = withSeparator(::realpath(start.constData(), real) ? std::string(real) : given);
     std::string line;
     while (std::getline(in, line)) {
         // id parent major:minor root mount-point ...
@@ -574,7 +585,7 @@ void loadMountPoints(const QByteArray& start, Shared& shared)
             }
         }
         if (point.size() > prefix.size() && point.compare(0, prefix.size(), prefix) == 0)
-            shared.mountPoints.insert(point);
+            shared.mountPoints.insert(given + point.substr(prefix.size()));
     }
 }
 #else

@@ -237,6 +237,9 @@ private slots:
         QCOMPARE(strip(lines(*r, L::FilePaths), t.root()),
                  QByteArrayList({"real/f.txt", "real/pipe", "real/up", "alias", "dangling"}));
         QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"real (4kB)"})); // 4096 + 0 + 2 bytes
+        // A start folder reached through a link is walked; the link inside it is still not followed.
+        const auto viaLink = FolderWalk::run(t.path("alias"));
+        QCOMPARE(strip(lines(*viaLink, L::FilePaths), t.path("alias")), QByteArrayList({"f.txt", "pipe", "up"}));
     }
 
     void sizesRoundHalfToEven()
