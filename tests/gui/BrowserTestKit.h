@@ -133,12 +133,6 @@ inline QStringList entries(const BrowserWindow& w, int n)
     return out;
 }
 
-inline QString label(const QWidget& w, const QString& name)
-{
-    const QLabel* l = w.findChild<QLabel*>(name);
-    return l ? l->text() : u"<no %1>"_s.arg(name);
-}
-
 inline QAction* entry(const BrowserWindow& w, const QString& name)
 {
     return w.findChild<QAction*>(name);

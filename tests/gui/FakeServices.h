@@ -18,11 +18,11 @@
 // Services that record what they were asked and answer from queues held per instance.
 template <typename T> T takeFront(std::deque<T>& queue, T otherwise)
 {
-    if (queue.empty())
-        return otherwise;
-    T a = queue.front();
-    queue.pop_front();
-    return a;
+    if (!queue.empty()) {
+        otherwise = queue.front();
+        queue.pop_front();
+    }
+    return otherwise;
 }
 
 struct FakeMessages : MessageService
@@ -89,8 +89,16 @@ struct FakeVolumes : VolumeService
 struct FakeShell : ShellService
 {
     QStringList opened, located;
-    bool open(const QString& path) override { return opened.append(path), true; }
-    bool locate(const QString& path) override { return located.append(path), true; }
+    bool open(const QString& path) override
+    {
+        opened.append(path);
+        return true;
+    }
+    bool locate(const QString& path) override
+    {
+        located.append(path);
+        return true;
+    }
 };
 
 struct FakePlayer : MediaPlayer

@@ -31,7 +31,8 @@ private slots:
     {
         QDir::setCurrent(m_fixed + u"/docs"_s);
         m_fakes.reset();
-        m_fakes.volumes.list = {{m_fixed, u"System"_s, 2, true}, {m_stick, u"MyStick"_s, 1, true}, {m_cd, {}, 4, false}};
+        m_fakes.volumes.list = {
+            {m_fixed, u"System"_s, 2, true}, {m_stick, u"MyStick"_s, 1, true}, {m_cd, {}, 4, false}};
     }
 
     void loadAndFolderChange_data() { addFlavours(); }
@@ -46,7 +47,8 @@ private slots:
         QVERIFY(!ui.CreateTextFiles->isEnabled() && !ui.Label9Com->isEnabled());
         QVERIFY(ui.Option2->isChecked() && !w->openMode());
         QVERIFY(ui.playerFrame->isHidden());
-        QCOMPARE(ui.Label10->text(), (longVersion ? u" "_s : QString()) + u"Set Option &  Double Click Folder or File to open"_s);
+        QCOMPARE(ui.Label10->text(),
+                 (longVersion ? u" "_s : QString()) + u"Set Option &  Double Click Folder or File to open"_s);
 
         // What a listing leaves behind, all of which a new folder choice clears.
         ScanResultBuilder b(QFile::encodeName(m_fixed + u"/docs"_s));
@@ -107,14 +109,22 @@ private slots:
         QTest::addColumn<bool>("ready");
         QTest::addColumn<QString>("caption"); // with %1 for the upper-cased drive text
         QTest::addColumn<QString>("typeText");
-        QTest::newRow("fixed, labelled") << 2 << "Data" << true << " %1: HD DRIVE " << "Fixed";
-        QTest::newRow("fixed, no label") << 2 << "" << true << " %1: HD DRIVE " << "Fixed";
-        QTest::newRow("removable, labelled") << 1 << "Stick" << true << " CD/ DVD Volume: STICK " << "Removable";
-        QTest::newRow("removable, no label") << 1 << "" << true << " %1: HD DRIVE " << "Removable";
-        QTest::newRow("cd, no disc") << 4 << "" << false << " CD/ DVD Volume: EMPTY " << "CD/ DVD";
-        QTest::newRow("network, labelled") << 3 << "share" << true << " CD/ DVD Volume: SHARE " << "Network";
-        QTest::newRow("ram disk") << 5 << "" << true << " %1: HD DRIVE " << "RAM Disk";
-        QTest::newRow("unknown code") << 7 << "odd" << true << " CD/ DVD Volume: ODD " << "";
+        QTest::newRow("fixed, labelled") << 2 << "Data" << true << " %1: HD DRIVE "
+                                         << "Fixed";
+        QTest::newRow("fixed, no label") << 2 << "" << true << " %1: HD DRIVE "
+                                         << "Fixed";
+        QTest::newRow("removable, labelled") << 1 << "Stick" << true << " CD/ DVD Volume: STICK "
+                                             << "Removable";
+        QTest::newRow("removable, no label") << 1 << "" << true << " %1: HD DRIVE "
+                                             << "Removable";
+        QTest::newRow("cd, no disc") << 4 << "" << false << " CD/ DVD Volume: EMPTY "
+                                     << "CD/ DVD";
+        QTest::newRow("network, labelled") << 3 << "share" << true << " CD/ DVD Volume: SHARE "
+                                           << "Network";
+        QTest::newRow("ram disk") << 5 << "" << true << " %1: HD DRIVE "
+                                  << "RAM Disk";
+        QTest::newRow("unknown code") << 7 << "odd" << true << " CD/ DVD Volume: ODD "
+                                      << "";
     }
     void driveCaptions()
     {
@@ -169,11 +179,12 @@ private slots:
         QTest::mouseClick(ui.Image2, Qt::LeftButton);
         QCOMPARE(m_fakes.messages.calls.size(), 3);
         QCOMPARE(m_fakes.messages.calls.at(0).text, u"By choosing this option, you can directly open any FILE/ FOLDER "
-                                                     "from\r\nthe generated FILE/ FOLDER lists item."_s);
+                                                    "from\r\nthe generated FILE/ FOLDER lists item."_s);
         QCOMPARE(m_fakes.messages.calls.at(1).text, u"By choosing this option, you can locate any FILE/ FOLDER by "
-                                                     "double\r\nclicking the generated FILE/ FOLDER lists item."_s);
-        QVERIFY(m_fakes.messages.calls.at(2).text.startsWith(u"This Software can be used to create text files & "
-                                                              "display:\r\n\r\n1. LIST OF FOLDERS WITH THEIR SIZE\r\n"_s));
+                                                    "double\r\nclicking the generated FILE/ FOLDER lists item."_s);
+        QVERIFY(
+            m_fakes.messages.calls.at(2).text.startsWith(u"This Software can be used to create text files & "
+                                                         "display:\r\n\r\n1. LIST OF FOLDERS WITH THEIR SIZE\r\n"_s));
         for (const auto& call : m_fakes.messages.calls)
             QVERIFY(call.style == 64 && call.title.isEmpty());
 

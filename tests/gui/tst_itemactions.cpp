@@ -80,9 +80,11 @@ private slots:
             for (int n : {3, 4}) {
                 const char* w = longVersion ? "Long" : "Short";
                 for (const char* name : {"song.au", "SONG.AU", "MYWAV", "clip.mp4", "notes.xmp3"})
-                    QTest::addRow("%s, pane %d, %s", w, n, name) << longVersion << n << QString::fromLatin1(name) << true;
+                    QTest::addRow("%s, pane %d, %s", w, n, name)
+                        << longVersion << n << QString::fromLatin1(name) << true;
                 for (const char* name : {"x.mpeg", "a.flac", "clip.m4v"})
-                    QTest::addRow("%s, pane %d, %s", w, n, name) << longVersion << n << QString::fromLatin1(name) << false;
+                    QTest::addRow("%s, pane %d, %s", w, n, name)
+                        << longVersion << n << QString::fromLatin1(name) << false;
             }
         }
     }

@@ -68,8 +68,8 @@ private slots:
         }
         QCOMPARE(m_fakes.messages.texts(), QStringList{report});
         const QByteArray file1 = read(setName(1, u"Alpha"_s));
-        const QByteArray header = "SOURCE:" + w->controls().Label4[3]->text().toUtf8() + "\r\n\r\nParent Folder: " +
-                                  w->controls().Label2->text().toUtf8() +
+        const QByteArray header = "SOURCE:" + w->controls().Label4[3]->text().toUtf8() +
+                                  "\r\n\r\nParent Folder: " + w->controls().Label2->text().toUtf8() +
                                   "\r\nLIST OF FOLDERS WITH THEIR PATHS (3):\r\n\r\n";
         QVERIFY2(file1.contains(header), file1.constData());
         const QByteArray file4 = read(setName(4, u"Alpha"_s));

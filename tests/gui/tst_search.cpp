@@ -162,7 +162,8 @@ private slots:
         small.addFile(0, "x");
         w->listResult(small.finish());
         clickResult(*w, 0);
-        QCOMPARE(m_fakes.messages.texts().mid(1), QStringList{u"16|Run-time error '381':\r\n\r\nInvalid property array index"_s});
+        QCOMPARE(m_fakes.messages.texts().mid(1),
+                 QStringList{u"16|Run-time error '381':\r\n\r\nInvalid property array index"_s});
     }
 };
 
