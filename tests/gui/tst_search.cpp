@@ -106,17 +106,15 @@ private slots:
         ui.Option1->setChecked(true);
         clickResult(*w, 0, true);
         QCOMPARE(m_fakes.shell.opened, QStringList{u"/d/My Photos"_s});
-        ui.Option2->setChecked(true);
-        clickResult(*w, 0, true);
-        QCOMPARE(m_fakes.shell.located, QStringList{u"/d/My Photos"_s});
 
+        ui.Option2->setChecked(true);
         search(*w, u".mp3"_s, false);
         const int closes = m_fakes.player.closes;
         clickResult(*w, 0, true);
         QCOMPARE(w->panes().currentRow(3), 3);
         QCOMPARE(w->panes().currentRow(4), 3);
         QCOMPARE(ui.Text2->text(), u"/d/song.mp3"_s);
-        QCOMPARE(m_fakes.shell.located.last(), u"/d/song.mp3"_s);
+        QCOMPARE(m_fakes.shell.located, QStringList{u"/d/song.mp3"_s});
         QCOMPARE(m_fakes.player.closes, closes + 1);
         ui.Option1->setChecked(true);
         clickResult(*w, 0, true);
