@@ -242,29 +242,6 @@ private slots:
         QCOMPARE(strip(lines(*viaLink, L::FilePaths), t.path("alias")), QByteArrayList({"f.txt", "pipe", "up"}));
     }
 
-    void sizesRoundHalfToEven()
-    {
-        TreeBuilder t;
-        const QList<QPair<qint64, QByteArray>> cases = {{1536, "2"}, {2560, "2"}, {511, "0"}, {512, "0"},
-                                                       {513, "1"},  {5632, "6"}, {0, "0"},   {3 * 512, "2"},
-                                                       {1024LL * 1024 * 1024 * 5, "5242880"}};
-        for (int i = 0; i < cases.size(); ++i)
-            t.file("d" + QByteArray::number(i) + "/f", cases[i].first);
-        const auto r = FolderWalk::run(t.root());
-        for (int i = 0; i < cases.size(); ++i)
-            QCOMPARE(r->entry(L::FolderNames, i), "d" + QByteArray::number(i) + " (" + cases[i].second + "kB)");
-    }
-
-    void sizesCoverEverythingBelow()
-    {
-        TreeBuilder t;
-        t.file("a/b/c/d/e.bin", 10 * 1024);
-        t.file("a/b/x.bin", 1024);
-        t.file("a/y.bin", 1024);
-        const auto r = FolderWalk::run(t.root());
-        QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"d (10kB)", "c (10kB)", "b (11kB)", "a (12kB)"}));
-    }
-
     void shortLimit()
     {
         // Exactly 32,767 files are listed whole; one more stops the walk with the limit reached and exactly

@@ -98,6 +98,19 @@ private slots:
         QVERIFY(s2->limitReached());
         QCOMPARE(s2->fileCount(), 32767);
         QVERIFY(s2->noFolderFound()); // the limit struck before the folder was complete
+
+        // The lister says so on stderr and lists what it had.
+        TreeBuilder home;
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("HOME"), QFile::decodeName(home.root()));
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(QUILLARY_LIST), {QStringLiteral("--short"), QFile::decodeName(t.root())});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitCode(), 0);
+        QVERIFY(p.readAllStandardError().contains("Number of Files is crossing the limit. You can display only 32767 Files\n"
+                                                  "at a time. The program will terminate at this juncture."));
+        QVERIFY(p.readAllStandardOutput().startsWith("NO FOLDER FOUND\nTotal Files: 32767\n"));
     }
 
     void oddNamesThroughTheLister()

@@ -72,21 +72,6 @@ private slots:
         QVERIFY(QFile::exists(elsewhere + QStringLiteral("/Files List - ") + QFileInfo(root).fileName() + QStringLiteral(".txt")));
     }
 
-    void shortLimitAndNoFolder()
-    {
-        TreeBuilder t;
-        for (int i = 0; i < 32768; ++i)
-            t.file("f" + QByteArray::number(i));
-        Run r = list({QStringLiteral("--short"), QStringLiteral("--name"), QStringLiteral("s"), QFile::decodeName(t.root())});
-        QCOMPARE(r.code, 0);
-        QVERIFY(r.err.contains("Number of Files is crossing the limit. You can display only 32767 Files\n"
-                               "at a time. The program will terminate at this juncture."));
-        QVERIFY(r.out.startsWith("NO FOLDER FOUND\nTotal Files: 32767\n"));
-        r = list({QStringLiteral("--name"), QStringLiteral("l"), QFile::decodeName(t.root())});
-        QVERIFY(r.out.startsWith("NO FOLDER FOUND\nTotal Files: 32768\n"));
-        QVERIFY(r.err.isEmpty());
-    }
-
     void searchFromTheCommandLine()
     {
         TreeBuilder t;

@@ -35,13 +35,13 @@ public:
     }
 };
 
-// The real file operations with faults injected: a fixed error for some steps, or a disk that fills up.
+// The real file operations with faults injected: a fixed error for some steps, or one file that fails.
 class FaultyOps : public SystemFileOps
 {
 public:
     int ensureError = 0;
     int probeError = 0;
-    QByteArray failWriteOf; // a file name part; writing that file fails with `writeError` part-way
+    QByteArray failWriteOf; // a file name part; writing that file fails with `writeError`
     int writeError = RuntimeError::DiskFull;
 
     int ensureDirectory(const QByteArray& path) override
@@ -51,30 +51,9 @@ public:
     int probe(const QByteArray& path) override { return probeError ? probeError : SystemFileOps::probe(path); }
     Pending prepare(const QByteArray& path, const std::function<bool(Output&)>& produce) override
     {
-        if (failWriteOf.isEmpty() || !path.contains(failWriteOf))
-            return SystemFileOps::prepare(path, produce);
-        // Lets the real writer start, then makes the disk full after 100 bytes.
-        Pending p = SystemFileOps::prepare(path, [&](Output& out) {
-            struct Failing : Output
-            {
-                Output& inner;
-                qint64 left = 100;
-                explicit Failing(Output& o) : inner(o) {}
-                bool write(const char* d, qint64 n) override
-                {
-                    if (n > left) {
-                        inner.write(d, left);
-                        return false;
-                    }
-                    left -= n;
-                    return inner.write(d, n);
-                }
-            } failing(out);
-            return produce(failing);
-        });
-        if (p.error != 0)
-            p.error = writeError;
-        return p;
+        if (!failWriteOf.isEmpty() && path.contains(failWriteOf))
+            return {path, {}, writeError};
+        return SystemFileOps::prepare(path, produce);
     }
 };
 
