@@ -24,17 +24,25 @@ bool preferGStreamer()
 
 } // namespace
 
-QtMediaPlayer::QtMediaPlayer(QObject* parent) : QObject(parent)
-{
-    [[maybe_unused]] static const bool backendChosen = preferGStreamer();
-    m_player = new QMediaPlayer(this);
-    m_audio = new QAudioOutput(this);
-    m_player->setAudioOutput(m_audio);
-}
+QtMediaPlayer::QtMediaPlayer(QObject* parent) : QObject(parent) {}
 
 QtMediaPlayer::~QtMediaPlayer()
 {
-    m_player->stop();
+    if (m_player)
+        m_player->stop();
+}
+
+QMediaPlayer* QtMediaPlayer::player()
+{
+    if (!m_player) {
+        [[maybe_unused]] static const bool backendChosen = preferGStreamer();
+        m_player = new QMediaPlayer(this);
+        m_audio = new QAudioOutput(this);
+        m_player->setAudioOutput(m_audio);
+        if (m_video)
+            m_player->setVideoOutput(m_video);
+    }
+    return m_player;
 }
 
 void QtMediaPlayer::showIn(QWidget* area)
@@ -50,14 +58,15 @@ void QtMediaPlayer::showIn(QWidget* area)
     }
     if (video != m_video) {
         m_video = video;
-        m_player->setVideoOutput(video);
+        if (m_player)
+            m_player->setVideoOutput(video);
     }
 }
 
 void QtMediaPlayer::setUrl(const QString& path)
 {
-    m_player->stop();
-    // An empty address stops the player and plays nothing, as an empty URL always did.
+    player()->stop();
+    // An empty address stops the player and plays nothing.
     if (path.isEmpty()) {
         m_player->setSource(QUrl());
         return;
@@ -68,6 +77,8 @@ void QtMediaPlayer::setUrl(const QString& path)
 
 void QtMediaPlayer::close()
 {
+    if (!m_player)
+        return; // nothing was ever played
     m_player->stop();
     m_player->setSource(QUrl());
 }

@@ -24,10 +24,14 @@ public:
 
     // For callers that need to know whether it really plays: the state says Playing even for media that
     // cannot be decoded, the media status and the position do not lie.
-    QMediaPlayer* backend() const { return m_player; }
+    QMediaPlayer* backend() { return player(); }
     QWidget* videoWidget() const { return m_video; }
 
 private:
+    // Made on first use: most runs never play anything, and opening the sound output costs start-up time
+    // (and a warning where no sound server runs).
+    QMediaPlayer* player();
+
     QMediaPlayer* m_player = nullptr;
     QAudioOutput* m_audio = nullptr;
     QPointer<QWidget> m_video;
