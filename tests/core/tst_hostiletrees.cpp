@@ -3,6 +3,7 @@
 
 #include <QProcess>
 #include <QSet>
+#include <QStandardPaths>
 #include <QTest>
 #include <atomic>
 #include <sys/socket.h>
@@ -111,6 +112,41 @@ private slots:
         QVERIFY(p.readAllStandardError().contains("Number of Files is crossing the limit. You can display only 32767 Files\n"
                                                   "at a time. The program will terminate at this juncture."));
         QVERIFY(p.readAllStandardOutput().startsWith("NO FOLDER FOUND\nTotal Files: 32767\n"));
+    }
+
+    void aGeneratedOddTree()
+    {
+        // The shared tree maker's hostile names (invalid UTF-8, line breaks, leading dashes, 255-byte names).
+        const QString mktree = QStringLiteral(QUILLARY_MKTREE);
+        if (!QFileInfo(mktree).isExecutable() || QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty())
+            QSKIP("the tree maker is not next to this checkout");
+        TreeBuilder t, home;
+        const QString root = QFile::decodeName(t.root()) + QStringLiteral("/tree");
+        QCOMPARE(QProcess::execute(mktree, {root, QStringLiteral("--files"), QStringLiteral("3000"), QStringLiteral("--dirs"),
+                                            QStringLiteral("300"), QStringLiteral("--odd-names"), QStringLiteral("--seed"),
+                                            QStringLiteral("7")}),
+                 0);
+        const auto r = FolderWalk::run(QFile::encodeName(root));
+        QCOMPARE(r->folderCount(), 300);
+        QCOMPARE(r->fileCount(), 3000);
+        for (qint64 i = 0; i < r->fileCount(); ++i) {
+            struct stat st;
+            QVERIFY2(::lstat(r->entry(L::FilePaths, i).constData(), &st) == 0 && !S_ISDIR(st.st_mode),
+                     r->entry(L::FilePaths, i).constData());
+        }
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("HOME"), QFile::decodeName(home.root()));
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(QUILLARY_LIST), {QStringLiteral("--name"), QStringLiteral("gen"), root});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitCode(), 0);
+        QFile listing(QFile::decodeName(home.root()) + QStringLiteral("/Quillbox/Files List WithPath gen.txt"));
+        QVERIFY(listing.open(QIODevice::ReadOnly));
+        QByteArray expected;
+        for (qint64 i = 0; i < r->fileCount(); ++i)
+            expected += r->entry(L::FilePaths, i) + "\r\n";
+        QVERIFY(listing.readAll().contains("(3000):\r\n\r\n" + expected + "\r\n"));
     }
 
     void oddNamesThroughTheLister()
