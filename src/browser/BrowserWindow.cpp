@@ -338,7 +338,9 @@ void BrowserWindow::buildPathFrame()
     const CollectionFolder collection;
     m_ui.Label4[1] =
         makeLabel(f, QStringLiteral("Label4_1"), QStringLiteral("Saves in ") + collection.pathWithSeparator());
-    m_ui.Label4[1]->setAlignment(Qt::AlignCenter);
+    // The collection folder's path is the user's own and may be long: the label grows to the right, into free
+    // space, rather than over the timing label on its left.
+    m_ui.Label4[1]->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     sunken(m_ui.Label4[1]);
 
     connect(m_ui.Label8, &ClickableLabel::clicked, this, [this] { Label8_Click(); });
