@@ -100,10 +100,22 @@ class TestEndToEnd : public QObject
         xdo({QStringLiteral("click"), QStringLiteral("1")});
     }
 
+    // Where a control is once it stays put: the window manager may still be placing a window just shown.
+    QString settledRect(const QString& command)
+    {
+        QString rect, before;
+        waitFor([&] {
+            before = rect;
+            rect = value(command);
+            return !rect.isEmpty() && rect == before;
+        });
+        return rect;
+    }
+
     void click(const QString& name, bool nearLeft = false)
     {
-        QString rect;
-        QVERIFY2(waitFor([&] { return !(rect = value(QStringLiteral("geom ") + name)).isEmpty(); }), qPrintable(name));
+        const QString rect = settledRect(QStringLiteral("geom ") + name);
+        QVERIFY2(!rect.isEmpty(), qPrintable(name));
         clickAt(rect, nearLeft);
     }
 
@@ -112,10 +124,16 @@ class TestEndToEnd : public QObject
         QString box;
         QVERIFY2(waitFor([&] { return (box = value(QStringLiteral("modal"))).section(QLatin1Char('|'), 1).startsWith(startsWith); }),
                  qPrintable(QStringLiteral("waiting for a box \"%1\", have \"%2\"").arg(startsWith, box)));
-        QString rect;
-        QVERIFY(waitFor([&] { return !(rect = value(QStringLiteral("button ") + button)).isEmpty(); }));
-        clickAt(rect);
-        QVERIFY(waitFor([&] { return value(QStringLiteral("modal")).section(QLatin1Char('|'), 1) != box.section(QLatin1Char('|'), 1); }));
+        const auto gone = [&] { return value(QStringLiteral("modal")).section(QLatin1Char('|'), 1) != box.section(QLatin1Char('|'), 1); };
+        // A click that lands while the box is still being placed misses it; then the box is clicked again.
+        for (int attempt = 0; attempt < 4; ++attempt) {
+            const QString rect = settledRect(QStringLiteral("button ") + button);
+            QVERIFY(!rect.isEmpty());
+            clickAt(rect);
+            if (waitFor(gone, 3000))
+                return;
+        }
+        QFAIL(qPrintable(QStringLiteral("the box \"%1\" did not go").arg(startsWith)));
     }
 
     void typeText(const QString& text)
@@ -127,8 +145,8 @@ class TestEndToEnd : public QObject
 
     void chooseFixture()
     {
-        QString rect;
-        QVERIFY(waitFor([&] { return !(rect = value(QStringLiteral("treeitem Dir1 ") + m_fixture)).isEmpty(); }));
+        const QString rect = settledRect(QStringLiteral("treeitem Dir1 ") + m_fixture);
+        QVERIFY(!rect.isEmpty());
         clickAt(rect);
         QVERIFY2(waitFor([&] { return textOf(QStringLiteral("Label2")) == m_fixture; }), qPrintable(textOf(QStringLiteral("Label2"))));
     }
