@@ -1,6 +1,7 @@
 #include "FileOps.h"
 
 #include "common/RuntimeError.h"
+#include "export/NativePath.h"
 
 #include <QDir>
 #include <QFile>
@@ -16,24 +17,6 @@
 #include <unistd.h>
 #endif
 
-namespace {
-
-#ifdef _WIN32
-constexpr char Separator = '\\';
-#else
-constexpr char Separator = '/';
-#endif
-
-QByteArray parentOf(const QByteArray& path)
-{
-    const qsizetype cut = path.lastIndexOf(Separator);
-    if (cut < 0)
-        return QByteArrayLiteral(".");
-    return cut == 0 ? path.left(1) : path.left(cut);
-}
-
-} // namespace
-
 int FileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce)
 {
     Pending pending = prepare(path, produce);
@@ -44,16 +27,9 @@ int FileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)
 
 namespace {
 
-bool isDirectory(const QByteArray& path)
-{
-    struct stat st;
-    return ::stat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode);
-}
-
-int errorFor(int err, const QByteArray& path)
-{
-    return RuntimeError::fromErrno(err, err == ENOENT && !isDirectory(parentOf(path)));
-}
+using NativePath::errorFor;
+using NativePath::parentOf;
+using NativePath::Separator;
 
 // Buffered writes to a descriptor; remembers the first failure.
 class FdOutput : public FileOps::Output

@@ -1,6 +1,7 @@
 #include "ItemCopy.h"
 
 #include "common/RuntimeError.h"
+#include "export/NativePath.h"
 
 #include <QDir>
 #include <QFile>
@@ -29,24 +30,9 @@ struct CopyPair
 
 namespace {
 
-constexpr char Separator = '/';
-
-bool isDirectory(const QByteArray& path)
-{
-    struct stat st;
-    return ::stat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode);
-}
-
-QByteArray parentOf(const QByteArray& path)
-{
-    const qsizetype cut = path.lastIndexOf(Separator);
-    return cut <= 0 ? path.left(1) : path.left(cut);
-}
-
-int errorFor(int err, const QByteArray& pathOfConcern)
-{
-    return RuntimeError::fromErrno(err, err == ENOENT && !isDirectory(parentOf(pathOfConcern)));
-}
+using NativePath::errorFor;
+using NativePath::parentOf;
+using NativePath::Separator;
 
 // The bytes of `in` into `out`; errno of the first failure, or 0.
 int pump(int in, int out)
