@@ -1,3 +1,4 @@
+#include "ListerRun.h"
 #include "TreeBuilder.h"
 #include "scan/FolderWalk.h"
 
@@ -102,16 +103,11 @@ private slots:
 
         // The lister says so on stderr and lists what it had.
         TreeBuilder home;
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), QFile::decodeName(home.root()));
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(QUILLARY_LIST), {QStringLiteral("--short"), QFile::decodeName(t.root())});
-        QVERIFY(p.waitForFinished(60000));
-        QCOMPARE(p.exitCode(), 0);
-        QVERIFY(p.readAllStandardError().contains("Number of Files is crossing the limit. You can display only 32767 Files\n"
+        const ListerRun p(QFile::decodeName(home.root()), {QStringLiteral("--short"), QFile::decodeName(t.root())});
+        QCOMPARE(p.code, 0);
+        QVERIFY(p.err.contains("Number of Files is crossing the limit. You can display only 32767 Files\n"
                                                   "at a time. The program will terminate at this juncture."));
-        QVERIFY(p.readAllStandardOutput().startsWith("NO FOLDER FOUND\nTotal Files: 32767\n"));
+        QVERIFY(p.out.startsWith("NO FOLDER FOUND\nTotal Files: 32767\n"));
     }
 
     void aGeneratedOddTree()
@@ -134,13 +130,7 @@ private slots:
             QVERIFY2(::lstat(r->entry(L::FilePaths, i).constData(), &st) == 0 && !S_ISDIR(st.st_mode),
                      r->entry(L::FilePaths, i).constData());
         }
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), QFile::decodeName(home.root()));
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(QUILLARY_LIST), {QStringLiteral("--name"), QStringLiteral("gen"), root});
-        QVERIFY(p.waitForFinished(60000));
-        QCOMPARE(p.exitCode(), 0);
+        QCOMPARE(ListerRun(QFile::decodeName(home.root()), {QStringLiteral("--name"), QStringLiteral("gen"), root}).code, 0);
         QFile listing(QFile::decodeName(home.root()) + QStringLiteral("/Quillbox/Files List WithPath gen.txt"));
         QVERIFY(listing.open(QIODevice::ReadOnly));
         QByteArray expected;
@@ -157,14 +147,10 @@ private slots:
                                          "quote'\"x", "star*?[x]", QByteArray(255, 'L')};
         for (const QByteArray& n : names)
             t.file("odd \xe9/" + n, 1);
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), QFile::decodeName(home.root()));
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(QUILLARY_LIST), {QStringLiteral("--name"), QStringLiteral("odd"), QStringLiteral("--"),
-                                                QFile::decodeName(t.root())});
-        QVERIFY(p.waitForFinished(60000));
-        QCOMPARE(p.exitCode(), 0);
+        QCOMPARE(ListerRun(QFile::decodeName(home.root()),
+                           {QStringLiteral("--name"), QStringLiteral("odd"), QStringLiteral("--"), QFile::decodeName(t.root())})
+                     .code,
+                 0);
         QFile files(QFile::decodeName(home.root()) + QStringLiteral("/Quillbox/Files List WithPath odd.txt"));
         QVERIFY(files.open(QIODevice::ReadOnly));
         const QByteArray text = files.readAll();

@@ -1,3 +1,4 @@
+#include "ListerRun.h"
 #include "TreeBuilder.h"
 
 #include <QDir>
@@ -6,11 +7,6 @@
 
 namespace {
 
-struct Run
-{
-    int code;
-    QByteArray out, err;
-};
 
 } // namespace
 
@@ -20,16 +16,7 @@ class TestListCommand : public QObject
 
     QTemporaryDir m_home;
 
-    Run list(const QStringList& args)
-    {
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), m_home.path());
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(QUILLARY_LIST), args);
-        p.waitForFinished(60000);
-        return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
-    }
+    ListerRun list(const QStringList& args) { return ListerRun(m_home.path(), args); }
     QString box() const { return m_home.path() + QStringLiteral("/Quillbox"); }
 
 private slots:
@@ -39,7 +26,7 @@ private slots:
         t.file("A/a.txt", 2048);
         t.file("top.txt");
         const QString root = QFile::decodeName(t.root());
-        Run r = list({root, QStringLiteral("--name"), QStringLiteral("mine")});
+        ListerRun r = list({root, QStringLiteral("--name"), QStringLiteral("mine")});
         QCOMPARE(r.code, 0);
         const QList<QByteArray> out = r.out.split('\n');
         QCOMPARE(out[0], QByteArray("Total Folders: 1"));
@@ -79,7 +66,7 @@ private slots:
         t.file("PHOTOGRAPHS/b.jpg");
         t.file("music/photo.mp3");
         const QString root = QFile::decodeName(t.root());
-        Run r = list({QStringLiteral("--search"), QStringLiteral("photo"), QStringLiteral("--in"), QStringLiteral("folders"), root});
+        ListerRun r = list({QStringLiteral("--search"), QStringLiteral("photo"), QStringLiteral("--in"), QStringLiteral("folders"), root});
         QCOMPARE(r.code, 0);
         QCOMPARE(r.out, QByteArray("# 00002. My Photos (3kB)\n# 00003. PHOTOGRAPHS (0kB)\n Folders Found: 2 \n"));
         r = list({QStringLiteral("--search"), QStringLiteral(".JPG"), root});
@@ -97,7 +84,7 @@ private slots:
         t.file("plain.txt");
         const QString root = QFile::decodeName(t.root());
         const QStringList names = QDir(box()).entryList(QDir::Files);
-        Run r = list({});
+        ListerRun r = list({});
         QCOMPARE(r.code, 2);
         QVERIFY(r.err.contains("no FOLDER"));
         r = list({root + QStringLiteral("/nope")});

@@ -1,3 +1,4 @@
+#include "ListerRun.h"
 #include "TreeBuilder.h"
 
 #include <QDir>
@@ -15,17 +16,7 @@ class TestSaveFaults : public QObject
     QTemporaryDir m_home;
     QString box() const { return m_home.path() + QStringLiteral("/Quillbox"); }
 
-    QProcess* list(const QStringList& prefix, const QStringList& args)
-    {
-        auto* p = new QProcess(this);
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), m_home.path());
-        p->setProcessEnvironment(env);
-        const QStringList all = prefix + QStringList{QStringLiteral(QUILLARY_LIST)} + args;
-        p->start(all.first(), all.mid(1));
-        p->waitForFinished(60000);
-        return p;
-    }
+    ListerRun list(const QStringList& prefix, const QStringList& args) { return ListerRun(m_home.path(), args, prefix); }
 
     QMap<QString, QByteArray> listings() const
     {
@@ -46,8 +37,8 @@ private slots:
         ::chmod(m_tree.root().constData(), 0755);
         ::chmod(QFile::encodeName(m_home.path()).constData(), 0755);
         // A first set, on a tree half the size, to be kept intact by every failing save below.
-        QProcess* p = list({}, {QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
-        QCOMPARE(p->exitCode(), 0);
+        const ListerRun p = list({}, {QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
+        QCOMPARE(p.code, 0);
         m_tree.file("one more/file");
     }
 
@@ -55,11 +46,11 @@ private slots:
     {
         const auto before = listings();
         // A file-size limit of 20 kB: the bigger listings cannot be written whole.
-        QProcess* p = list({QStringLiteral("/bin/bash"), QStringLiteral("-c"), QStringLiteral("ulimit -f 20; exec \"$0\" \"$@\"")},
+        const ListerRun p = list({QStringLiteral("/bin/bash"), QStringLiteral("-c"), QStringLiteral("ulimit -f 20; exec \"$0\" \"$@\"")},
                            {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
-        QCOMPARE(p->exitStatus(), QProcess::NormalExit);
-        QCOMPARE(p->exitCode(), 3);
-        QVERIFY2(p->readAllStandardError().contains("61\nDisk full"), "the disk-full box");
+        QCOMPARE(p.status, QProcess::NormalExit);
+        QCOMPARE(p.code, 3);
+        QVERIFY2(p.err.contains("61\nDisk full"), "the disk-full box");
         const auto after = listings();
         QCOMPARE(after.keys(), before.keys()); // no temporary file left behind
         // What was written before the failure is new; the rest is exactly as it was.
@@ -70,9 +61,9 @@ private slots:
     {
         const auto before = listings();
         QVERIFY(QDir().mkpath(box() + QStringLiteral("/Files List - blocked.txt")));
-        QProcess* p = list({}, {QStringLiteral("--name"), QStringLiteral("blocked"), QFile::decodeName(m_tree.root())});
-        QCOMPARE(p->exitCode(), 3);
-        QVERIFY(p->readAllStandardError().contains("Change the SAVE Location. Access denied to Save in the application location."));
+        const ListerRun p = list({}, {QStringLiteral("--name"), QStringLiteral("blocked"), QFile::decodeName(m_tree.root())});
+        QCOMPARE(p.code, 3);
+        QVERIFY(p.err.contains("Change the SAVE Location. Access denied to Save in the application location."));
         // Files 1 and 2 of the new set were written before file 4 failed, and stay; nothing else changed.
         const auto after = listings();
         for (auto it = before.begin(); it != before.end(); ++it)
@@ -95,9 +86,9 @@ private slots:
         }
         ::chmod(QFile::encodeName(box()).constData(), 0755);
         const auto before = listings();
-        QProcess* p = list(prefix, {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
-        QCOMPARE(p->exitCode(), 3);
-        QVERIFY(p->readAllStandardError().contains("Change the SAVE Location. Access denied to Save in the application location."));
+        const ListerRun p = list(prefix, {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
+        QCOMPARE(p.code, 3);
+        QVERIFY(p.err.contains("Change the SAVE Location. Access denied to Save in the application location."));
         QCOMPARE(listings(), before);
     }
 };
