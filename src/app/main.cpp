@@ -1,5 +1,5 @@
 #ifndef _WIN32
-#include "app/AutomationProbe.h"
+#include "AutomationProbe.h"
 #endif
 #include "platform/ProgramEnd.h"
 #include "platform/SystemServices.h"

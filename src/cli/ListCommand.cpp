@@ -1,11 +1,11 @@
 #include "ListCommand.h"
 
-#include "browser/DriveCaption.h"
+#include "volumes/DriveCaption.h"
 #include "common/NativeText.h"
 #include "common/NumberText.h"
 #include "export/FileOps.h"
 #include "export/SaveFlow.h"
-#include "platform/VolumeService.h"
+#include "volumes/VolumeService.h"
 #include "scan/FolderWalk.h"
 #include "search/ListSearch.h"
 

@@ -1,4 +1,4 @@
-#include "cli/ListCommand.h"
+#include "ListCommand.h"
 
 #include <QByteArrayList>
 #include <QCoreApplication>

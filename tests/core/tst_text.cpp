@@ -1,8 +1,8 @@
-#include "browser/DriveCaption.h"
+#include "volumes/DriveCaption.h"
 #include "common/NativeText.h"
 #include "common/NumberText.h"
 #include "common/RuntimeError.h"
-#include "platform/VolumeService.h"
+#include "volumes/VolumeService.h"
 
 #include <QTest>
 #include <cerrno>

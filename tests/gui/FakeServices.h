@@ -8,7 +8,7 @@
 #include "platform/ProgramEnd.h"
 #include "platform/Services.h"
 #include "platform/ShellService.h"
-#include "platform/VolumeService.h"
+#include "volumes/VolumeService.h"
 
 #include <QList>
 #include <QStringList>

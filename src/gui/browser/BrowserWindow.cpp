@@ -6,7 +6,7 @@
 #include "ClassicLook.h"
 #include "ClickableFrame.h"
 #include "ClickableLabel.h"
-#include "DriveCaption.h"
+#include "volumes/DriveCaption.h"
 #include "ListingDriver.h"
 #include "Pictures.h"
 #include "ResultGrid.h"
@@ -20,7 +20,7 @@
 #include "platform/MessageService.h"
 #include "platform/ProgramEnd.h"
 #include "platform/Twips.h"
-#include "platform/VolumeService.h"
+#include "volumes/VolumeService.h"
 
 #include <QCloseEvent>
 #include <QComboBox>

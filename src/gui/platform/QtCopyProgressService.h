@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CopyProgressService.h"
+#include "platform/CopyProgressService.h"
 
 #include <QPointer>
 

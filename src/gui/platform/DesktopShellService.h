@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ShellService.h"
+#include "platform/ShellService.h"
 
 // Opens through QDesktopServices; locates with the platform's file manager (Explorer's /select, the
 // freedesktop FileManager1 interface, Finder's open -R).

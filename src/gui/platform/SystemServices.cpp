@@ -7,7 +7,7 @@
 #include "QtMediaPlayer.h"
 #include "QtMessageService.h"
 #include "SystemAdminCheck.h"
-#include "VolumeService.h"
+#include "volumes/VolumeService.h"
 
 SystemServices::SystemServices()
     : m_messages(std::make_unique<QtMessageService>()), m_input(std::make_unique<QtInputService>()),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AdminCheck.h"
+#include "platform/AdminCheck.h"
 
 // Administrator means the effective user id 0 on Unix, membership of the Administrators group on Windows.
 class SystemAdminCheck : public AdminCheck

@@ -1,6 +1,6 @@
 #include "DriveCaption.h"
 
-#include "platform/VolumeService.h"
+#include "volumes/VolumeService.h"
 
 namespace DriveCaption {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ProgramEnd.h"
+#include "platform/ProgramEnd.h"
 
 // Hides every window at once and leaves the event loop; before the loop runs, main() asks ended().
 class AppProgramEnd : public ProgramEnd

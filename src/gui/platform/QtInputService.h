@@ -1,6 +1,6 @@
 #pragma once
 
-#include "InputService.h"
+#include "platform/InputService.h"
 
 class QtInputService : public InputService
 {
