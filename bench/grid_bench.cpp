@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // quillary-grid-bench [FILES]: LongBrowser's grids over a synthetic scan of FILES files (default 10,000,000).
 // Prints the time from the end of the walk to grids that are filled and painted, the time to jump to the last
 // row and paint it, and the memory the grids add beyond the scan result itself. Runs offscreen unless told

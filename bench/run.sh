@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Times quillary-list (walk + sizes + the four listing files) against du -sk, find -printf and gdu on the same
 # warm tree, with peak memory. The tree is made once by mktree: 1,000,000 files in 100,000 folders.
 #

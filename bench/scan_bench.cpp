@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // quillary-bench FOLDER [OUTDIR [THREADS]]: walks FOLDER (no limit) and writes its four listings into OUTDIR, printing
 // how long each step took and what the scan result costs per entry.
 #include "export/FileOps.h"

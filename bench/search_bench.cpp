@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // quillary-search-bench [FILES]: searches the file-name list of a synthetic scan of FILES names (default
 // 10,000,000) for a few texts and prints how long each search took.
 #include "scan/ScanResultBuilder.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // quillary-search-list-bench [FILES]: "Search Files" in LongBrowser over a synthetic scan of FILES files (default
 // 10,000,000) that all match, timed from the button to the result list filled and painted, and to its last line.
 #include "browser/BrowserWindow.h"

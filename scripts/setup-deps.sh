@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs the Debian packages the build, the tests and the benchmark need, and nothing that is already there.
 # Used by `make` on a fresh machine and by CI; harmless to run again.
 set -euo pipefail

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #ifndef _WIN32
 #include "AutomationProbe.h"
 #endif

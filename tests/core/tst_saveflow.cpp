@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "TreeBuilder.h"
 #include "common/RuntimeError.h"
 #include "export/SaveFlow.h"

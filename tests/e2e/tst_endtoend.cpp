@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // The program as a person uses it: a real X server (Xvfb) with a window manager, real mouse clicks and key
 // presses through xdotool, the real services. The program answers questions about what its windows show
 // through its probe (QUILLARY_PROBE=1); everything it does is triggered from outside.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #pragma once
 
 // Ends the whole program at once, every window with it. Code that calls end() returns straight away and does

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "BrowserFlavour.h"
 
 QString BrowserFlavour::paneName(int number) const
