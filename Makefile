@@ -6,7 +6,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 # The folder `make run` lists until the window exists; override with `make run FOLDER=/some/where`.
 FOLDER     ?= $(HOME)
 
-.PHONY: all deps configure build run test test-asan bench install format clean
+.PHONY: all deps configure build run test test-asan bench install format format-check clean
 
 all: build
 
@@ -42,8 +42,14 @@ bench: build
 install: build
 	cmake --install $(BUILD)
 
+# One pinned clang-format (Debian 12's), so the check gives the same answer on every machine.
+CLANG_FORMAT ?= clang-format-14
+
 format:
-	clang-format -i $$(git ls-files '*.cpp' '*.h')
+	$(CLANG_FORMAT) -i $$(git ls-files '*.cpp' '*.h')
+
+format-check: deps
+	$(CLANG_FORMAT) --dry-run --Werror $$(git ls-files '*.cpp' '*.h')
 
 clean:
 	rm -rf $(BUILD) build-asan

@@ -30,7 +30,8 @@ int main(int argc, char** argv)
         return 2;
     }
     const QByteArray folder(argv[1]);
-    const QString outDir = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QDir::tempPath() + QStringLiteral("/quillary-bench");
+    const QString outDir =
+        argc > 2 ? QString::fromLocal8Bit(argv[2]) : QDir::tempPath() + QStringLiteral("/quillary-bench");
     QDir().mkpath(outDir);
 
     QElapsedTimer clock;

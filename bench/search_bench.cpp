@@ -14,9 +14,27 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     const qint64 files = argc > 1 ? QByteArray(argv[1]).toLongLong() : 10'000'000;
-    static const char* stems[] = {"report", "Report", "IMG_", "DSC", "data", "notes", "invoice ", "photo",
-                                  "Scan ", "r\xc3\xa9sum\xc3\xa9", "\xc3\x9c" "bersicht", "song ", "Track", "README",
-                                  "setup", "draft v", "log", "index", "thumb", "Final FINAL"};
+    static const char* stems[] = {"report",
+                                  "Report",
+                                  "IMG_",
+                                  "DSC",
+                                  "data",
+                                  "notes",
+                                  "invoice ",
+                                  "photo",
+                                  "Scan ",
+                                  "r\xc3\xa9sum\xc3\xa9",
+                                  "\xc3\x9c"
+                                  "bersicht",
+                                  "song ",
+                                  "Track",
+                                  "README",
+                                  "setup",
+                                  "draft v",
+                                  "log",
+                                  "index",
+                                  "thumb",
+                                  "Final FINAL"};
     static const char* exts[] = {"", ".txt", ".TXT", ".jpg", ".JPG", ".png", ".pdf", ".doc", ".mp3", ".mp4"};
     std::mt19937 rng(7);
     QElapsedTimer clock;

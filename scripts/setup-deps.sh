@@ -8,6 +8,8 @@ pkgs=(cmake ninja-build g++ make qt6-base-dev qt6-multimedia-dev libgl-dev time 
 pkgs+=(gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav)
 # The end-to-end test: an X server, a window manager with close boxes, real input.
 pkgs+=(xvfb xdotool openbox wmctrl)
+# The formatting check: one pinned clang-format, so every machine formats alike.
+pkgs+=(clang-format-14)
 if [ "${1:-}" = "--bench" ]; then pkgs+=(gdu); fi
 missing=()
 for p in "${pkgs[@]}"; do

@@ -75,8 +75,7 @@ void AutomationProbe::installIfRequested(QObject* parent)
         new AutomationProbe(parent);
 }
 
-AutomationProbe::AutomationProbe(QObject* parent)
-    : QObject(parent), m_notifier(STDIN_FILENO, QSocketNotifier::Read)
+AutomationProbe::AutomationProbe(QObject* parent) : QObject(parent), m_notifier(STDIN_FILENO, QSocketNotifier::Read)
 {
     connect(&m_notifier, &QSocketNotifier::activated, this, &AutomationProbe::readCommands);
 }
@@ -149,7 +148,8 @@ QString AutomationProbe::answer(const QString& line)
         return ok + (w->isEnabled() ? QStringLiteral("1") : QStringLiteral("0"));
     auto* view = qobject_cast<QAbstractItemView*>(w);
     if (cmd == QLatin1String("rows"))
-        return view && view->model() ? ok + QString::number(view->model()->rowCount()) : QStringLiteral("err not a list");
+        return view && view->model() ? ok + QString::number(view->model()->rowCount())
+                                     : QStringLiteral("err not a list");
     if (cmd == QLatin1String("cell")) {
         if (!view || !view->model())
             return QStringLiteral("err not a list");

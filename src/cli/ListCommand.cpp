@@ -2,14 +2,14 @@
 
 #include "ListCommand.h"
 
-#include "volumes/DriveCaption.h"
 #include "common/NativeText.h"
 #include "common/NumberText.h"
 #include "export/FileOps.h"
 #include "export/SaveFlow.h"
-#include "volumes/VolumeService.h"
 #include "scan/FolderWalk.h"
 #include "search/ListSearch.h"
+#include "volumes/DriveCaption.h"
+#include "volumes/VolumeService.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -22,28 +22,27 @@
 
 namespace {
 
-const char* const Usage =
-    "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] FOLDER\n"
-    "       quillary-list [--short] --search TEXT [--in folders|files] FOLDER\n"
-    "\n"
-    "Lists every folder and file below FOLDER and writes the four listing files of\n"
-    "\"Create Text Files\":\n"
-    "  Folders List WithPath NAME.txt   Folders List - NAME.txt\n"
-    "  Files List WithPath NAME.txt     Files List - NAME.txt\n"
-    "\n"
-    "Options:\n"
-    "  --short      stop at 32767 files, as the Short window does (default: no limit)\n"
-    "  --name NAME  the name in the four file names (default: FOLDER's last component)\n"
-    "  --out DIR    where to write them (default: the collection folder, ~/Quillbox)\n"
-    "  --yes        replace the four files when they all exist already\n"
-    "  --search TEXT  instead of writing listings, search the folder names (with\n"
-    "               their sizes) or the file names for TEXT, ignoring case, and\n"
-    "               print the numbered results and their count as the window does\n"
-    "  --in folders|files  which list --search searches (default: files)\n"
-    "  --help       show this text\n"
-    "\n"
-    "Exit status: 0 written; 1 the files exist and --yes was not given;\n"
-    "2 bad arguments or FOLDER is not a folder; 3 the files could not be written.\n";
+const char* const Usage = "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] FOLDER\n"
+                          "       quillary-list [--short] --search TEXT [--in folders|files] FOLDER\n"
+                          "\n"
+                          "Lists every folder and file below FOLDER and writes the four listing files of\n"
+                          "\"Create Text Files\":\n"
+                          "  Folders List WithPath NAME.txt   Folders List - NAME.txt\n"
+                          "  Files List WithPath NAME.txt     Files List - NAME.txt\n"
+                          "\n"
+                          "Options:\n"
+                          "  --short      stop at 32767 files, as the Short window does (default: no limit)\n"
+                          "  --name NAME  the name in the four file names (default: FOLDER's last component)\n"
+                          "  --out DIR    where to write them (default: the collection folder, ~/Quillbox)\n"
+                          "  --yes        replace the four files when they all exist already\n"
+                          "  --search TEXT  instead of writing listings, search the folder names (with\n"
+                          "               their sizes) or the file names for TEXT, ignoring case, and\n"
+                          "               print the numbered results and their count as the window does\n"
+                          "  --in folders|files  which list --search searches (default: files)\n"
+                          "  --help       show this text\n"
+                          "\n"
+                          "Exit status: 0 written; 1 the files exist and --yes was not given;\n"
+                          "2 bad arguments or FOLDER is not a folder; 3 the files could not be written.\n";
 
 void print(std::FILE* f, const QString& text)
 {
@@ -209,9 +208,10 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
         print(err, ScanResult::limitMessage());
 
     if (search) {
-        const auto kind = searchIn == QLatin1String("folders") ? SearchResult::Kind::Folders : SearchResult::Kind::Files;
-        const SearchResult found = ListSearch::run(std::shared_ptr<const ScanResult>(result.get(), [](auto*) {}),
-                                                   kind, searchText);
+        const auto kind =
+            searchIn == QLatin1String("folders") ? SearchResult::Kind::Folders : SearchResult::Kind::Files;
+        const SearchResult found =
+            ListSearch::run(std::shared_ptr<const ScanResult>(result.get(), [](auto*) {}), kind, searchText);
         if (searchText.isEmpty())
             return 0; // the window clears its results and shows no count
         QByteArray lines;

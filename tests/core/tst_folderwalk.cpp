@@ -213,17 +213,16 @@ private slots:
         QVERIFY(!FolderWalk::lessByName("b", "B"));
         QVERIFY(FolderWalk::lessByName("a.txt", "a1.txt")); // '.' sorts before '1'
         QVERIFY(FolderWalk::lessByName("a", "a_"));
-        QVERIFY(FolderWalk::lessByName("z", "\xc3\xa9")); // é (É) after the ASCII letters
+        QVERIFY(FolderWalk::lessByName("z", "\xc3\xa9"));                           // é (É) after the ASCII letters
         QVERIFY(FolderWalk::lessByName("\xc3\xa9t\xc3\xa9", "\xc3\x89t\xc3\xa9s")); // été < Étés: ÉTÉ < ÉTÉS
-        QVERIFY(FolderWalk::lessByName("\xc3\x89", "\xc3\xa9"));                  // É < é: same upper case, bytes
+        QVERIFY(FolderWalk::lessByName("\xc3\x89", "\xc3\xa9"));                    // É < é: same upper case, bytes
         QVERIFY(FolderWalk::lessByName("ok", "ok\xff")); // a byte that is not UTF-8 still has its place
 
         TreeBuilder t;
         for (const char* n : {"b", "B", "a", "A", "_x", "10", "9", "\xce\xb1", "bad\xff"})
             t.file(QByteArray("d/") + n);
         const auto r = FolderWalk::run(t.root());
-        QCOMPARE(lines(*r, L::FileNames),
-                 QByteArrayList({"10", "9", "A", "a", "B", "b", "bad\xff", "_x", "\xce\xb1"}));
+        QCOMPARE(lines(*r, L::FileNames), QByteArrayList({"10", "9", "A", "a", "B", "b", "bad\xff", "_x", "\xce\xb1"}));
     }
 
     void linksAreFilesAndNeverFollowed()
@@ -326,8 +325,8 @@ private slots:
     void oddNamesKeepTheirBytes()
     {
         TreeBuilder t;
-        const QByteArrayList names = {"bad\xff\xfeutf8", "latin1 caf\xe9", "line\nbreak", "cr\rx", "-rf",
-                                      "back\\slash",    QByteArray(255, 'L'), "trunc \xe6\x97"};
+        const QByteArrayList names = {"bad\xff\xfeutf8", "latin1 caf\xe9",     "line\nbreak",   "cr\rx", "-rf",
+                                      "back\\slash",     QByteArray(255, 'L'), "trunc \xe6\x97"};
         for (const QByteArray& n : names)
             t.file("odd\xff/" + n);
         const auto r = FolderWalk::run(t.root());

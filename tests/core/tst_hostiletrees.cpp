@@ -108,7 +108,7 @@ private slots:
         const ListerRun p(QFile::decodeName(home.root()), {QStringLiteral("--short"), QFile::decodeName(t.root())});
         QCOMPARE(p.code, 0);
         QVERIFY(p.err.contains("Number of Files is crossing the limit. You can display only 32767 Files\n"
-                                                  "at a time. The program will terminate at this juncture."));
+                               "at a time. The program will terminate at this juncture."));
         QVERIFY(p.out.startsWith("NO FOLDER FOUND\nTotal Files: 32767\n"));
     }
 
@@ -120,10 +120,11 @@ private slots:
             QSKIP("the tree maker is not next to this checkout");
         TreeBuilder t, home;
         const QString root = QFile::decodeName(t.root()) + QStringLiteral("/tree");
-        QCOMPARE(QProcess::execute(mktree, {root, QStringLiteral("--files"), QStringLiteral("3000"), QStringLiteral("--dirs"),
-                                            QStringLiteral("300"), QStringLiteral("--odd-names"), QStringLiteral("--seed"),
-                                            QStringLiteral("7")}),
-                 0);
+        QCOMPARE(
+            QProcess::execute(mktree, {root, QStringLiteral("--files"), QStringLiteral("3000"),
+                                       QStringLiteral("--dirs"), QStringLiteral("300"), QStringLiteral("--odd-names"),
+                                       QStringLiteral("--seed"), QStringLiteral("7")}),
+            0);
         const auto r = FolderWalk::run(QFile::encodeName(root));
         QCOMPARE(r->folderCount(), 300);
         QCOMPARE(r->fileCount(), 3000);
@@ -132,7 +133,8 @@ private slots:
             QVERIFY2(::lstat(r->entry(L::FilePaths, i).constData(), &st) == 0 && !S_ISDIR(st.st_mode),
                      r->entry(L::FilePaths, i).constData());
         }
-        QCOMPARE(ListerRun(QFile::decodeName(home.root()), {QStringLiteral("--name"), QStringLiteral("gen"), root}).code, 0);
+        QCOMPARE(
+            ListerRun(QFile::decodeName(home.root()), {QStringLiteral("--name"), QStringLiteral("gen"), root}).code, 0);
         QFile listing(QFile::decodeName(home.root()) + QStringLiteral("/Quillbox/Files List WithPath gen.txt"));
         QVERIFY(listing.open(QIODevice::ReadOnly));
         QByteArray expected;
@@ -145,12 +147,12 @@ private slots:
     {
         // Names that are not UTF-8, hold line breaks or start with dashes reach the listing byte for byte.
         TreeBuilder t, home;
-        const QList<QByteArray> names = {"bad\xff\xfe", "-rf", "--help", "line\nbreak", "tab\there",
-                                         "quote'\"x", "star*?[x]", QByteArray(255, 'L')};
+        const QList<QByteArray> names = {"bad\xff\xfe", "-rf",       "--help",    "line\nbreak",
+                                         "tab\there",   "quote'\"x", "star*?[x]", QByteArray(255, 'L')};
         for (const QByteArray& n : names)
             t.file("odd \xe9/" + n, 1);
-        QCOMPARE(ListerRun(QFile::decodeName(home.root()),
-                           {QStringLiteral("--name"), QStringLiteral("odd"), QStringLiteral("--"), QFile::decodeName(t.root())})
+        QCOMPARE(ListerRun(QFile::decodeName(home.root()), {QStringLiteral("--name"), QStringLiteral("odd"),
+                                                            QStringLiteral("--"), QFile::decodeName(t.root())})
                      .code,
                  0);
         QFile files(QFile::decodeName(home.root()) + QStringLiteral("/Quillbox/Files List WithPath odd.txt"));

@@ -70,8 +70,9 @@ private slots:
         QCOMPARE(::mkfifo(src.path("pipe").constData(), 0644), 0);
         QCOMPARE(ItemCopy::copyFile(src.path("pipe"), box.path("pipe")), 75);
         QVERIFY(!ItemCopy::fileExists(box.path("pipe")));
-        QCOMPARE(QDir(QFile::decodeName(box.root())).entryList(QDir::Files | QDir::Hidden | QDir::System).filter(
-                     QStringLiteral(".quillary")),
+        QCOMPARE(QDir(QFile::decodeName(box.root()))
+                     .entryList(QDir::Files | QDir::Hidden | QDir::System)
+                     .filter(QStringLiteral(".quillary")),
                  QStringList()); // no temporary file left behind
     }
 

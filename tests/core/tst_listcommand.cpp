@@ -9,7 +9,6 @@
 
 namespace {
 
-
 } // namespace
 
 class TestListCommand : public QObject
@@ -33,10 +32,12 @@ private slots:
         const QList<QByteArray> out = r.out.split('\n');
         QCOMPARE(out[0], QByteArray("Total Folders: 1"));
         QCOMPARE(out[1], QByteArray("Total Files: 2"));
-        QVERIFY(QRegularExpression(QStringLiteral("^Elapsed time: [0-9.]+ sec$")).match(QString::fromUtf8(out[2])).hasMatch());
+        QVERIFY(QRegularExpression(QStringLiteral("^Elapsed time: [0-9.]+ sec$"))
+                    .match(QString::fromUtf8(out[2]))
+                    .hasMatch());
         QVERIFY(r.out.contains("Following 4 Text Files created & saved successfully:\n"));
-        for (const char* name : {"Folders List WithPath mine.txt", "Folders List - mine.txt", "Files List WithPath mine.txt",
-                                 "Files List - mine.txt"}) {
+        for (const char* name : {"Folders List WithPath mine.txt", "Folders List - mine.txt",
+                                 "Files List WithPath mine.txt", "Files List - mine.txt"}) {
             const QString path = box() + QLatin1Char('/') + QLatin1String(name);
             QVERIFY2(r.out.contains(path.toUtf8()), name);
             QVERIFY(QFile::exists(path));
@@ -45,7 +46,8 @@ private slots:
         QVERIFY(f.open(QIODevice::ReadOnly));
         const QByteArray text = f.readAll();
         QVERIFY(text.contains("\r\nSOURCE: "));
-        QVERIFY(text.contains("\r\nParent Folder: " + t.root() + "\r\nLIST OF ALL FILES (2):\r\n\r\na.txt\r\ntop.txt\r\n\r\n"));
+        QVERIFY(text.contains("\r\nParent Folder: " + t.root() +
+                              "\r\nLIST OF ALL FILES (2):\r\n\r\na.txt\r\ntop.txt\r\n\r\n"));
 
         // Again: refused without --yes, replaced with it.
         r = list({root, QStringLiteral("--name"), QStringLiteral("mine")});
@@ -58,7 +60,8 @@ private slots:
         const QString elsewhere = m_home.path() + QStringLiteral("/out/deeper");
         r = list({root, QStringLiteral("--out"), elsewhere});
         QCOMPARE(r.code, 0);
-        QVERIFY(QFile::exists(elsewhere + QStringLiteral("/Files List - ") + QFileInfo(root).fileName() + QStringLiteral(".txt")));
+        QVERIFY(QFile::exists(elsewhere + QStringLiteral("/Files List - ") + QFileInfo(root).fileName() +
+                              QStringLiteral(".txt")));
     }
 
     void searchFromTheCommandLine()
@@ -68,16 +71,19 @@ private slots:
         t.file("PHOTOGRAPHS/b.jpg");
         t.file("music/photo.mp3");
         const QString root = QFile::decodeName(t.root());
-        ListerRun r = list({QStringLiteral("--search"), QStringLiteral("photo"), QStringLiteral("--in"), QStringLiteral("folders"), root});
+        ListerRun r = list({QStringLiteral("--search"), QStringLiteral("photo"), QStringLiteral("--in"),
+                            QStringLiteral("folders"), root});
         QCOMPARE(r.code, 0);
         QCOMPARE(r.out, QByteArray("# 00002. My Photos (3kB)\n# 00003. PHOTOGRAPHS (0kB)\n Folders Found: 2 \n"));
         r = list({QStringLiteral("--search"), QStringLiteral(".JPG"), root});
         QCOMPARE(r.out, QByteArray("# 00002. a.JPG\n# 00003. b.jpg\n Files Found: 2 \n"));
         r = list({QStringLiteral("--search"), QString(), root});
         QCOMPARE(r.out, QByteArray());
-        r = list({QStringLiteral("--search"), QStringLiteral("x"), QStringLiteral("--in"), QStringLiteral("rows"), root});
+        r = list(
+            {QStringLiteral("--search"), QStringLiteral("x"), QStringLiteral("--in"), QStringLiteral("rows"), root});
         QCOMPARE(r.code, 2);
-        QVERIFY(!QDir(box()).exists(QStringLiteral("Files List - ") + QFileInfo(root).fileName() + QStringLiteral(".txt")));
+        QVERIFY(
+            !QDir(box()).exists(QStringLiteral("Files List - ") + QFileInfo(root).fileName() + QStringLiteral(".txt")));
     }
 
     void badInput()

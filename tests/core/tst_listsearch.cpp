@@ -50,7 +50,8 @@ private slots:
 
     void resultLinesAndCounts()
     {
-        QCOMPARE(ListSearch::resultLine(42, QStringLiteral("C:\\DATA\\PHOTOS")), QStringLiteral("# 00042. C:\\DATA\\PHOTOS"));
+        QCOMPARE(ListSearch::resultLine(42, QStringLiteral("C:\\DATA\\PHOTOS")),
+                 QStringLiteral("# 00042. C:\\DATA\\PHOTOS"));
         QCOMPARE(ListSearch::resultLine(1, QStringLiteral("x")), QStringLiteral("# 00001. x"));
         QCOMPARE(ListSearch::resultLine(123456, QStringLiteral("x")), QStringLiteral("# 123456. x"));
         QCOMPARE(ListSearch::countCaption(SearchResult::Kind::Folders, 3), QStringLiteral(" Folders Found: 3 "));
@@ -62,7 +63,8 @@ private slots:
         auto scan = scanOf({"Photos", "music", "PHOTOGRAPHS"}, {"a.jpg", "photo.png", "b.txt", "Photo2.PNG"});
         // Folders are searched in their list text, size included.
         SearchResult r = ListSearch::run(scan, SearchResult::Kind::Folders, QStringLiteral("photo"));
-        QCOMPARE(lines(r), QStringList({QStringLiteral("# 00001. Photos (12kB)"), QStringLiteral("# 00003. PHOTOGRAPHS (12kB)")}));
+        QCOMPARE(lines(r), QStringList({QStringLiteral("# 00001. Photos (12kB)"),
+                                        QStringLiteral("# 00003. PHOTOGRAPHS (12kB)")}));
         QCOMPARE(r.countCaption(), QStringLiteral(" Folders Found: 2 "));
         QCOMPARE(ListSearch::run(scan, SearchResult::Kind::Folders, QStringLiteral("kb)")).count(), 3);
 

@@ -18,7 +18,10 @@ class TestSaveFaults : public QObject
     QTemporaryDir m_home;
     QString box() const { return m_home.path() + QStringLiteral("/Quillbox"); }
 
-    ListerRun list(const QStringList& prefix, const QStringList& args) { return ListerRun(m_home.path(), args, prefix); }
+    ListerRun list(const QStringList& prefix, const QStringList& args)
+    {
+        return ListerRun(m_home.path(), args, prefix);
+    }
 
     QMap<QString, QByteArray> listings() const
     {
@@ -35,11 +38,13 @@ private slots:
     void initTestCase()
     {
         for (int i = 0; i < 3000; ++i)
-            m_tree.file("folder " + QByteArray::number(i % 30) + "/a rather long file name number " + QByteArray::number(i));
+            m_tree.file("folder " + QByteArray::number(i % 30) + "/a rather long file name number " +
+                        QByteArray::number(i));
         ::chmod(m_tree.root().constData(), 0755);
         ::chmod(QFile::encodeName(m_home.path()).constData(), 0755);
         // A first set, on a tree half the size, to be kept intact by every failing save below.
-        const ListerRun p = list({}, {QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
+        const ListerRun p =
+            list({}, {QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
         QCOMPARE(p.code, 0);
         m_tree.file("one more/file");
     }
@@ -48,22 +53,26 @@ private slots:
     {
         const auto before = listings();
         // A file-size limit of 20 kB: the bigger listings cannot be written whole.
-        const ListerRun p = list({QStringLiteral("/bin/bash"), QStringLiteral("-c"), QStringLiteral("ulimit -f 20; exec \"$0\" \"$@\"")},
-                           {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
+        const ListerRun p = list(
+            {QStringLiteral("/bin/bash"), QStringLiteral("-c"), QStringLiteral("ulimit -f 20; exec \"$0\" \"$@\"")},
+            {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"),
+             QFile::decodeName(m_tree.root())});
         QCOMPARE(p.status, QProcess::NormalExit);
         QCOMPARE(p.code, 3);
         QVERIFY2(p.err.contains("61\nDisk full"), "the disk-full box");
         const auto after = listings();
         QCOMPARE(after.keys(), before.keys()); // no temporary file left behind
         // What was written before the failure is new; the rest is exactly as it was.
-        QCOMPARE(after[QStringLiteral("Files List WithPath keep.txt")], before[QStringLiteral("Files List WithPath keep.txt")]);
+        QCOMPARE(after[QStringLiteral("Files List WithPath keep.txt")],
+                 before[QStringLiteral("Files List WithPath keep.txt")]);
     }
 
     void targetMadeAFolder()
     {
         const auto before = listings();
         QVERIFY(QDir().mkpath(box() + QStringLiteral("/Files List - blocked.txt")));
-        const ListerRun p = list({}, {QStringLiteral("--name"), QStringLiteral("blocked"), QFile::decodeName(m_tree.root())});
+        const ListerRun p =
+            list({}, {QStringLiteral("--name"), QStringLiteral("blocked"), QFile::decodeName(m_tree.root())});
         QCOMPARE(p.code, 3);
         QVERIFY(p.err.contains("Change the SAVE Location. Access denied to Save in the application location."));
         // Files 1 and 2 of the new set were written before file 4 failed, and stay; nothing else changed.
@@ -83,12 +92,13 @@ private slots:
             const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
             if (setpriv.isEmpty())
                 QSKIP("running as root without setpriv");
-            prefix = {setpriv, QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups"),
-                      QStringLiteral("--")};
+            prefix = {setpriv, QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                      QStringLiteral("--clear-groups"), QStringLiteral("--")};
         }
         ::chmod(QFile::encodeName(box()).constData(), 0755);
         const auto before = listings();
-        const ListerRun p = list(prefix, {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
+        const ListerRun p = list(prefix, {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"),
+                                          QFile::decodeName(m_tree.root())});
         QCOMPARE(p.code, 3);
         QVERIFY(p.err.contains("Change the SAVE Location. Access denied to Save in the application location."));
         QCOMPARE(listings(), before);

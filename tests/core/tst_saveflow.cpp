@@ -103,12 +103,14 @@ class TestSaveFlow : public QObject
     QString report(const QString& n) const
     {
         const QStringList f = setNames(n);
-        return QStringLiteral("64: Following 4 Text Files created & saved successfully:\t\t\r\n\r\n") + f.join(QStringLiteral("\r\n"));
+        return QStringLiteral("64: Following 4 Text Files created & saved successfully:\t\t\r\n\r\n") +
+               f.join(QStringLiteral("\r\n"));
     }
     QString question(const QString& path) const
     {
         return QStringLiteral("19: You are already having a file with the name ") + path +
-               QStringLiteral(" in the default folder.\r\nWould you still like to save by and replace the original file?");
+               QStringLiteral(
+                   " in the default folder.\r\nWould you still like to save by and replace the original file?");
     }
 
 private slots:
@@ -135,14 +137,16 @@ private slots:
         SystemFileOps ops;
         const auto out = save(host, ops);
         QCOMPARE(out.error, 0);
-        QCOMPARE(host.boxes, QStringList({QStringLiteral("input: Write a valid file name:"), report(QStringLiteral("run"))}));
+        QCOMPARE(host.boxes,
+                 QStringList({QStringLiteral("input: Write a valid file name:"), report(QStringLiteral("run"))}));
         QVERIFY(host.labels.isEmpty()); // the Short window has no writing label
 
         const QByteArray root = m_tree->root();
-        const QByteArray head = "Date: 05 March 2009\r\nSOURCE: / [SYSTEM]: HD DRIVE \r\n\r\nParent Folder: " + root + "\r\n";
+        const QByteArray head =
+            "Date: 05 March 2009\r\nSOURCE: / [SYSTEM]: HD DRIVE \r\n\r\nParent Folder: " + root + "\r\n";
         const QStringList f = setNames(QStringLiteral("run"));
-        QCOMPARE(readAll(f[0]), head + "LIST OF FOLDERS WITH THEIR PATHS (2):\r\n\r\n" + root + "/A/A1\r\n" + root +
-                                    "/A\r\n\r\n\r\n");
+        QCOMPARE(readAll(f[0]),
+                 head + "LIST OF FOLDERS WITH THEIR PATHS (2):\r\n\r\n" + root + "/A/A1\r\n" + root + "/A\r\n\r\n\r\n");
         QCOMPARE(readAll(f[1]), head + "LIST OF ALL FOLDERS & SUB FOLDERS (2):\r\n\r\nA1 (0kB)\r\nA (2kB)\r\n\r\n\r\n");
         QCOMPARE(readAll(f[2]), head + "LIST OF ALL FILES (3):\r\n\r\n" + root + "/A/a.txt\r\n" + root +
                                     "/A/A1/deep.txt\r\n" + root + "/r.txt\r\n\r\n\r\n");
@@ -158,9 +162,11 @@ private slots:
         QCOMPARE(host.labels.size(), 3);
         QCOMPARE(host.labels[0], QStringLiteral(" Writing files.. |shown"));
         const QString caption = host.labels[1].section(QLatin1Char('|'), 0, 0);
-        QVERIFY2(QRegularExpression(QStringLiteral("^ [0-9]+(\\.[0-9]+)? sec $")).match(caption).hasMatch(), qPrintable(caption));
+        QVERIFY2(QRegularExpression(QStringLiteral("^ [0-9]+(\\.[0-9]+)? sec $")).match(caption).hasMatch(),
+                 qPrintable(caption));
         QCOMPARE(host.labels[2], caption + QStringLiteral("|hidden"));
-        QCOMPARE(host.boxes.last(), report(QStringLiteral("grid")) + QStringLiteral("\r\n\r\nFiles created in: ") + caption);
+        QCOMPARE(host.boxes.last(),
+                 report(QStringLiteral("grid")) + QStringLiteral("\r\n\r\nFiles created in: ") + caption);
         QVERIFY(readAll(setNames(QStringLiteral("grid"))[3]).endsWith("a.txt\r\ndeep.txt\r\nr.txt\r\n\r\n"));
         QVERIFY(!readAll(setNames(QStringLiteral("grid"))[3]).endsWith("\r\n\r\n\r\n"));
     }
@@ -182,7 +188,8 @@ private slots:
         no.answers = {Answer::No};
         auto out = save(no, ops, ScanResult::Flavour::Long);
         QVERIFY(out.refused);
-        QCOMPARE(no.boxes.mid(1), QStringList({question(f[0]), QStringLiteral("48: Folder List not saved, recommended to try again.")}));
+        QCOMPARE(no.boxes.mid(1),
+                 QStringList({question(f[0]), QStringLiteral("48: Folder List not saved, recommended to try again.")}));
         QCOMPARE(no.labels.last(), QStringLiteral("|hidden"));
         QCOMPARE(readAll(f[2]), before);
 
@@ -244,8 +251,9 @@ private slots:
         no.answers = {Answer::No};
         out = save(no, ops);
         QCOMPARE(out.error, 0);
-        QCOMPARE(no.boxes.mid(1), QStringList({question(f[0]), QStringLiteral("48: Folder List not saved, recommended to try again."),
-                                               report(QStringLiteral("part"))}));
+        QCOMPARE(no.boxes.mid(1),
+                 QStringList({question(f[0]), QStringLiteral("48: Folder List not saved, recommended to try again."),
+                              report(QStringLiteral("part"))}));
         QVERIFY(QFile::exists(f[2]));
 
         // File 1 missing: the others are replaced without a question.
@@ -313,7 +321,9 @@ private slots:
                  QStringLiteral("64: Following Text File created & saved successfully:\t\t\r\n\r\n") + folderFile);
         QVERIFY(folders.labels.isEmpty()); // no timing for single lists
         const QByteArray root = m_tree->root();
-        QVERIFY(readAll(folderFile).endsWith("LIST OF FOLDERS WITH THEIR PATHS (2):\r\n\r\n" + root + "/A/A1\r\n" + root + "/A\r\n\r\n"));
+        QVERIFY(
+            readAll(folderFile)
+                .endsWith("LIST OF FOLDERS WITH THEIR PATHS (2):\r\n\r\n" + root + "/A/A1\r\n" + root + "/A\r\n\r\n"));
 
         // The single files save writes the set's file 3, and refuses with its own text.
         FakeHost files;
@@ -325,7 +335,9 @@ private slots:
         again.name = QStringLiteral("one");
         again.answers = {Answer::No};
         save(again, ops, ScanResult::Flavour::Short, SaveFlow::Kind::SingleFiles);
-        QCOMPARE(again.boxes.mid(1), QStringList({question(filesFile), QStringLiteral("48: File List not saved, recommended to try again.")}));
+        QCOMPARE(
+            again.boxes.mid(1),
+            QStringList({question(filesFile), QStringLiteral("48: File List not saved, recommended to try again.")}));
     }
 
     void emptyListsAndNoFolder()

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "volumes/DriveCaption.h"
 #include "common/NativeText.h"
 #include "common/NumberText.h"
 #include "common/RuntimeError.h"
+#include "volumes/DriveCaption.h"
 #include "volumes/VolumeService.h"
 
 #include <QTest>
@@ -48,7 +48,8 @@ private slots:
         QCOMPARE(NativeText::displayLength(view), shown.size());
         QCOMPARE(NativeText::fromDisplay(shown), bytes);
         // The URL handed to the shell and the player carries the same bytes.
-        QCOMPARE(QByteArray::fromPercentEncoding(NativeText::fileUrl(QStringLiteral("/d/") + shown).path(QUrl::FullyEncoded).toLatin1()),
+        QCOMPARE(QByteArray::fromPercentEncoding(
+                     NativeText::fileUrl(QStringLiteral("/d/") + shown).path(QUrl::FullyEncoded).toLatin1()),
                  "/d/" + bytes);
     }
 
@@ -92,14 +93,16 @@ private slots:
                   {QStringLiteral("/mnt/odd"), QString(), 9, true}};
         QCOMPARE(v.list[0].driveText(), QStringLiteral("/ [system]"));
         // A fixed disk: its drive text upper-cased, whatever its label.
-        QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/ [system]")), QStringLiteral(" / [SYSTEM]: HD DRIVE "));
+        QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/ [system]")),
+                 QStringLiteral(" / [SYSTEM]: HD DRIVE "));
         // A labelled removable stick is captioned as a CD/DVD volume.
         QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/media/stick [Stick]")),
                  QStringLiteral(" CD/ DVD Volume: STICK "));
         QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/media/cdrom")),
                  QStringLiteral(" CD/ DVD Volume: EMPTY "));
         // Not fixed and no label: a hard drive.
-        QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/mnt/share")), QStringLiteral(" /MNT/SHARE: HD DRIVE "));
+        QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/mnt/share")),
+                 QStringLiteral(" /MNT/SHARE: HD DRIVE "));
         QCOMPARE(DriveCaption::getDriveName(v, QStringLiteral("/nowhere")), QStringLiteral("EMPTY"));
         QCOMPARE(DriveCaption::driveTypeInfo(4), QStringLiteral("CD/ DVD"));
         QCOMPARE(DriveCaption::driveTypeInfo(9), QString());

@@ -124,9 +124,13 @@ class TestEndToEnd : public QObject
     void answerBox(const QString& startsWith, const QString& button)
     {
         QString box;
-        QVERIFY2(waitFor([&] { return (box = value(QStringLiteral("modal"))).section(QLatin1Char('|'), 1).startsWith(startsWith); }),
+        QVERIFY2(waitFor([&] {
+                     return (box = value(QStringLiteral("modal"))).section(QLatin1Char('|'), 1).startsWith(startsWith);
+                 }),
                  qPrintable(QStringLiteral("waiting for a box \"%1\", have \"%2\"").arg(startsWith, box)));
-        const auto gone = [&] { return value(QStringLiteral("modal")).section(QLatin1Char('|'), 1) != box.section(QLatin1Char('|'), 1); };
+        const auto gone = [&] {
+            return value(QStringLiteral("modal")).section(QLatin1Char('|'), 1) != box.section(QLatin1Char('|'), 1);
+        };
         // A click that lands while the box is still being placed misses it; then the box is clicked again.
         for (int attempt = 0; attempt < 4; ++attempt) {
             const QString rect = settledRect(QStringLiteral("button ") + button);
@@ -143,14 +147,18 @@ class TestEndToEnd : public QObject
         xdo({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("30"), text});
     }
 
-    void shot(const QString& name) { QCOMPARE(ask(QStringLiteral("shot ") + m_artifacts + QLatin1Char('/') + name), QStringLiteral("ok ")); }
+    void shot(const QString& name)
+    {
+        QCOMPARE(ask(QStringLiteral("shot ") + m_artifacts + QLatin1Char('/') + name), QStringLiteral("ok "));
+    }
 
     void chooseFixture()
     {
         const QString rect = settledRect(QStringLiteral("treeitem Dir1 ") + m_fixture);
         QVERIFY(!rect.isEmpty());
         clickAt(rect);
-        QVERIFY2(waitFor([&] { return textOf(QStringLiteral("Label2")) == m_fixture; }), qPrintable(textOf(QStringLiteral("Label2"))));
+        QVERIFY2(waitFor([&] { return textOf(QStringLiteral("Label2")) == m_fixture; }),
+                 qPrintable(textOf(QStringLiteral("Label2"))));
     }
 
     void listAll()
@@ -158,7 +166,9 @@ class TestEndToEnd : public QObject
         QVERIFY(waitFor([&] { return value(QStringLiteral("enabled List_Folders")) == QLatin1String("1"); }));
         click(QStringLiteral("List_Folders"));
         QVERIFY(waitFor([&] { return textOf(QStringLiteral("Label11")).startsWith(QLatin1String("Elapsed time: ")); }));
-        QVERIFY(QRegularExpression(QStringLiteral("^Elapsed time: [0-9.]+ sec$")).match(textOf(QStringLiteral("Label11"))).hasMatch());
+        QVERIFY(QRegularExpression(QStringLiteral("^Elapsed time: [0-9.]+ sec$"))
+                    .match(textOf(QStringLiteral("Label11")))
+                    .hasMatch());
     }
 
 private slots:
@@ -172,8 +182,9 @@ private slots:
         ::chmod(QFile::encodeName(m_artifacts).constData(), 0777); // the program writes them as an ordinary user
 
         // Xvfb picks a free display and tells us which.
-        m_xvfb.start(tool("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-                                    QStringLiteral("1400x1000x24"), QStringLiteral("-ac"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+        m_xvfb.start(tool("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                                    QStringLiteral("0"), QStringLiteral("1400x1000x24"), QStringLiteral("-ac"),
+                                    QStringLiteral("-nolisten"), QStringLiteral("tcp")});
         QVERIFY(m_xvfb.waitForReadyRead(15000));
         m_display = QLatin1Char(':') + QString::fromLatin1(m_xvfb.readAllStandardOutput()).trimmed();
         if (!tool("openbox").isEmpty()) { // a window manager, so windows have close boxes
@@ -214,7 +225,8 @@ private slots:
             if (tool("setpriv").isEmpty())
                 QSKIP("running as root without setpriv: the start-up question would not be asked");
             command = QStringList{tool("setpriv"), QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-                                  QStringLiteral("--clear-groups"), QStringLiteral("--")} + command;
+                                  QStringLiteral("--clear-groups"), QStringLiteral("--")} +
+                      command;
         }
         QProcessEnvironment env = xEnv();
         env.insert(QStringLiteral("HOME"), m_home);
@@ -229,13 +241,16 @@ private slots:
         m_app.start(command.first(), command.mid(1));
         QVERIFY(m_app.waitForStarted());
 
-        answerBox(QStringLiteral("Administrator privileges are required to run this application."), QStringLiteral("Yes"));
+        answerBox(QStringLiteral("Administrator privileges are required to run this application."),
+                  QStringLiteral("Yes"));
         QVERIFY(waitFor([&] { return textOf(QStringLiteral("Label3")) == QLatin1String(" Running as User "); }));
         shot(QStringLiteral("options.png"));
 
         // The Long window, on the fixture.
         click(QStringLiteral("Option1_1"), true);
-        QVERIFY(waitFor([&] { return value(QStringLiteral("windows")).contains(QLatin1String("LongBrowser|QUILLARY (Long Version)")); }));
+        QVERIFY(waitFor([&] {
+            return value(QStringLiteral("windows")).contains(QLatin1String("LongBrowser|QUILLARY (Long Version)"));
+        }));
         chooseFixture();
         listAll();
         QCOMPARE(textOf(QStringLiteral("Label1_0")), QStringLiteral("Total Folders: 3"));
@@ -252,22 +267,27 @@ private slots:
         QVERIFY(!source.isEmpty());
         click(QStringLiteral("CreateTextFiles"));
         QString box;
-        QVERIFY(waitFor([&] { return (box = value(QStringLiteral("modal"))).endsWith(QLatin1String("|Write a valid file name:")); }));
+        QVERIFY(waitFor([&] {
+            return (box = value(QStringLiteral("modal"))).endsWith(QLatin1String("|Write a valid file name:"));
+        }));
         typeText(QStringLiteral("e2e"));
         xdo({QStringLiteral("key"), QStringLiteral("Return")});
         answerBox(QStringLiteral("Following 4 Text Files created & saved successfully:"), QStringLiteral("OK"));
         const QByteArray f = QFile::encodeName(m_fixture);
-        const QByteArray head = "Date: " + QLocale::c().toString(QDate::currentDate(), QStringLiteral("dd MMMM yyyy")).toUtf8() +
-                                "\r\nSOURCE:" + source.toUtf8() + "\r\n\r\nParent Folder: " + f + "\r\n";
+        const QByteArray head =
+            "Date: " + QLocale::c().toString(QDate::currentDate(), QStringLiteral("dd MMMM yyyy")).toUtf8() +
+            "\r\nSOURCE:" + source.toUtf8() + "\r\n\r\nParent Folder: " + f + "\r\n";
         const QString box1 = m_home + QStringLiteral("/Quillbox/");
         const QList<QPair<QString, QByteArray>> expected = {
-            {QStringLiteral("Folders List WithPath e2e.txt"),
-             head + "LIST OF FOLDERS WITH THEIR PATHS (3):\r\n\r\n" + f + "/A/A1\r\n" + f + "/A\r\n" + f + "/B\r\n\r\n"},
+            {QStringLiteral("Folders List WithPath e2e.txt"), head + "LIST OF FOLDERS WITH THEIR PATHS (3):\r\n\r\n" +
+                                                                  f + "/A/A1\r\n" + f + "/A\r\n" + f + "/B\r\n\r\n"},
             {QStringLiteral("Folders List - e2e.txt"),
              head + "LIST OF ALL FOLDERS & SUB FOLDERS (3):\r\n\r\nA1 (0kB)\r\nA (2kB)\r\nB (2kB)\r\n\r\n"},
-            {QStringLiteral("Files List WithPath e2e.txt"), head + "LIST OF ALL FILES (4):\r\n\r\n" + f + "/A/a1.txt\r\n" + f +
-                                                               "/A/A1/deep.txt\r\n" + f + "/r.txt\r\n" + f + "/B/b.txt\r\n\r\n"},
-            {QStringLiteral("Files List - e2e.txt"), head + "LIST OF ALL FILES (4):\r\n\r\na1.txt\r\ndeep.txt\r\nr.txt\r\nb.txt\r\n\r\n"}};
+            {QStringLiteral("Files List WithPath e2e.txt"), head + "LIST OF ALL FILES (4):\r\n\r\n" + f +
+                                                                "/A/a1.txt\r\n" + f + "/A/A1/deep.txt\r\n" + f +
+                                                                "/r.txt\r\n" + f + "/B/b.txt\r\n\r\n"},
+            {QStringLiteral("Files List - e2e.txt"),
+             head + "LIST OF ALL FILES (4):\r\n\r\na1.txt\r\ndeep.txt\r\nr.txt\r\nb.txt\r\n\r\n"}};
         for (const auto& [name, content] : expected) {
             QFile file(box1 + name);
             QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(name));
@@ -285,9 +305,12 @@ private slots:
 
         // Back to Options, then the Short window on the same folder.
         click(QStringLiteral("Image6"));
-        QVERIFY(waitFor([&] { return value(QStringLiteral("windows")).contains(QLatin1String("Options|QUILLARY 4.50")); }));
+        QVERIFY(
+            waitFor([&] { return value(QStringLiteral("windows")).contains(QLatin1String("Options|QUILLARY 4.50")); }));
         click(QStringLiteral("Option1_0"), true);
-        QVERIFY(waitFor([&] { return value(QStringLiteral("windows")).contains(QLatin1String("ShortBrowser|QUILLARY (Short Version)")); }));
+        QVERIFY(waitFor([&] {
+            return value(QStringLiteral("windows")).contains(QLatin1String("ShortBrowser|QUILLARY (Short Version)"));
+        }));
         chooseFixture();
         listAll();
         QCOMPARE(textOf(QStringLiteral("Label1_0")), QStringLiteral("Total Folders: 3"));

@@ -50,7 +50,8 @@ private slots:
         const auto walked = FolderWalk::run(m_tree.root());
         using L = ScanResult::List;
         int oddRow = -1;
-        for (const auto& [n, list] : {std::pair{1, L::FolderPaths}, {2, L::FolderNames}, {3, L::FilePaths}, {4, L::FileNames}}) {
+        for (const auto& [n, list] :
+             {std::pair{1, L::FolderPaths}, {2, L::FolderNames}, {3, L::FilePaths}, {4, L::FileNames}}) {
             QCOMPARE(qint64(w->panes().rowCount(n)), walked->count(list));
             for (int row = 0; row < w->panes().rowCount(n); ++row) {
                 const QByteArray shown = NativeText::fromDisplay(w->panes().text(n, row));

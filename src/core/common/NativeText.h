@@ -14,7 +14,10 @@
 namespace NativeText {
 
 QString toDisplay(std::string_view bytes);
-inline QString toDisplay(const QByteArray& bytes) { return toDisplay(std::string_view(bytes.constData(), bytes.size())); }
+inline QString toDisplay(const QByteArray& bytes)
+{
+    return toDisplay(std::string_view(bytes.constData(), bytes.size()));
+}
 
 // Appends the display form to `out` (no allocation when `out` has room); used by the hot paths of the views.
 void appendDisplay(std::string_view bytes, QString& out);

@@ -25,7 +25,8 @@ CollectionFolder::CollectionFolder()
         home = QDir::homePath();
     while (home.size() > 1 && home.endsWith(Separator))
         home.chop(1);
-    m_path = home == QString(Separator) ? home + QStringLiteral("Quillbox") : home + Separator + QStringLiteral("Quillbox");
+    m_path =
+        home == QString(Separator) ? home + QStringLiteral("Quillbox") : home + Separator + QStringLiteral("Quillbox");
 #endif
 }
 

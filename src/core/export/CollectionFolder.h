@@ -16,9 +16,9 @@ public:
     CollectionFolder();
     explicit CollectionFolder(const QString& path) : m_path(path) {}
 
-    QString path() const { return m_path; }               // "C:\Quillbox", "/home/ann/Quillbox"
-    QString pathWithSeparator() const;                    // "C:\Quillbox\"
-    QString filePath(const QString& fileName) const;      // "C:\Quillbox\" + fileName
+    QString path() const { return m_path; }          // "C:\Quillbox", "/home/ann/Quillbox"
+    QString pathWithSeparator() const;               // "C:\Quillbox\"
+    QString filePath(const QString& fileName) const; // "C:\Quillbox\" + fileName
     QByteArray nativePath() const;
     // A text written for "C:\Quillbox" with this folder's path put in its place, in capitals where the text has
     // "C:\QUILLBOX".

@@ -6,8 +6,8 @@
 #include "export/NativePath.h"
 
 #include <QDir>
-#include <QFile>
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 #include <vector>
 
@@ -137,8 +137,8 @@ int copyFile(const QByteArray& source, const QByteArray& target)
 }
 
 // The files of a folder copy, source and target, with the target's folders made already.
-static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray& destination,
-                                      const TreeCallbacks& cb, TreeOutcome& outcome)
+static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb,
+                                      TreeOutcome& outcome)
 {
     using Pair = CopyPair;
     // First the folders and files to copy, so the progress window can show how far it has got.
@@ -218,8 +218,8 @@ int copyFile(const QByteArray& source, const QByteArray& target)
 }
 
 // The files of a folder copy, source and target, with the target's folders made already.
-static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray& destination,
-                                      const TreeCallbacks& cb, TreeOutcome& outcome)
+static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb,
+                                      TreeOutcome& outcome)
 {
     const QDir src(QString::fromUtf8(source));
     const QString root = QString::fromUtf8(destination) + QLatin1Char('/') + src.dirName();

@@ -19,10 +19,10 @@ struct ListingFile
     // save is the set's file 3.
     static QString fileName(Kind kind, const QString& name);
 
-    QString dateLine;   // "Date: 05 March 2009"
-    QString sourceLine; // "SOURCE:" + drive caption
-    QString parentLine; // "Parent Folder: " + scanned folder
-    QString title;      // "LIST OF ALL FILES (12):"
+    QString dateLine;                   // "Date: 05 March 2009"
+    QString sourceLine;                 // "SOURCE:" + drive caption
+    QString parentLine;                 // "Parent Folder: " + scanned folder
+    QString title;                      // "LIST OF ALL FILES (12):"
     const ScanResult* result = nullptr; // null: the lists are empty
     ScanResult::List list = ScanResult::List::FilePaths;
     qint64 rows = 0;

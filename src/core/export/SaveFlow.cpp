@@ -44,8 +44,8 @@ void SaveFlow::reportError(int error, Outcome& outcome)
     if (error == RuntimeError::PathNotFound)
         m_host.messageBox(QStringLiteral("Invalid file name, choose different file name."), 16);
     if (error == RuntimeError::PathFileAccess) {
-        m_host.messageBox(QStringLiteral("Change the SAVE Location. Access denied to Save in the application location."),
-                          48);
+        m_host.messageBox(
+            QStringLiteral("Change the SAVE Location. Access denied to Save in the application location."), 48);
         return;
     }
     m_host.messageBox(QString::number(error) + QStringLiteral("\r\n") + RuntimeError::description(error), 0);
@@ -70,7 +70,8 @@ bool SaveFlow::writeAll(const std::vector<Planned>& files, Outcome& outcome)
                                                    [&](FileOps::Output& out) { return p.file.writeTo(out); });
         }
     };
-    const std::size_t helpers = std::min<std::size_t>(files.size(), std::max(1u, std::thread::hardware_concurrency())) - 1;
+    const std::size_t helpers =
+        std::min<std::size_t>(files.size(), std::max(1u, std::thread::hardware_concurrency())) - 1;
     std::vector<std::thread> threads;
     for (std::size_t t = 0; t < helpers; ++t)
         threads.emplace_back(work);
@@ -194,9 +195,8 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
         return outcome;
 
     if (!isSet) {
-        m_host.messageBox(QStringLiteral("Following Text File created & saved successfully:\t\t\r\n\r\n") +
-                              plan.front().path,
-                          64);
+        m_host.messageBox(
+            QStringLiteral("Following Text File created & saved successfully:\t\t\r\n\r\n") + plan.front().path, 64);
         return outcome;
     }
     QString report = QStringLiteral("Following 4 Text Files created & saved successfully:\t\t\r\n\r\n") + plan[0].path +

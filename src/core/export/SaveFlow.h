@@ -49,8 +49,8 @@ public:
 
     struct Outcome
     {
-        QStringList written; // full names of the files written, in the order written
-        int error = 0;       // the run-time error that stopped the save, or 0
+        QStringList written;  // full names of the files written, in the order written
+        int error = 0;        // the run-time error that stopped the save, or 0
         bool refused = false; // the user declined to replace
     };
 

@@ -126,7 +126,7 @@ struct Shared
     std::size_t pending = 0; // queued plus being read
     std::uint32_t nextId = 1;
     std::uint64_t rootDev = 0;
-    bool mountsKnown = false;                   // the mount table could be read
+    bool mountsKnown = false;                    // the mount table could be read
     std::unordered_set<std::string> mountPoints; // mount points below the start folder
     std::atomic<std::size_t> nameBytes{0};
 };
@@ -224,7 +224,10 @@ private:
         m_entries.push_back(e);
     }
 
-    std::string_view nameOf(const Entry& e) const { return {m_pool.data() + e.nameOff, e.nameLen}; }
+    std::string_view nameOf(const Entry& e) const
+    {
+        return {m_pool.data() + e.nameOff, e.nameLen};
+    }
 
     bool less(const Entry& a, const Entry& b) const
     {
@@ -346,8 +349,8 @@ private:
         const int follow = item.id == 0 ? 0 : O_NOFOLLOW;
         dfd = item.fd >= 0 ? item.fd : ::open(item.path.c_str(), O_RDONLY | O_DIRECTORY | follow | O_CLOEXEC);
         if (dfd < 0) {
-            self.state = (errno == ENOENT || errno == ENOTDIR || errno == ELOOP) ? DirState::Vanished
-                                                                               : DirState::Unreadable;
+            self.state =
+                (errno == ENOENT || errno == ENOTDIR || errno == ELOOP) ? DirState::Vanished : DirState::Unreadable;
             return false;
         }
         const bool listed = forEachEntry(dfd, [&](const char* n, unsigned char type) {
@@ -389,8 +392,8 @@ private:
         const std::string n(name);
         c.fd = ::openat(dfd, n.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
         if (c.fd < 0)
-            c.state = (errno == ENOENT || errno == ENOTDIR || errno == ELOOP) ? DirState::Vanished
-                                                                            : DirState::Unreadable;
+            c.state =
+                (errno == ENOENT || errno == ENOTDIR || errno == ELOOP) ? DirState::Vanished : DirState::Unreadable;
     }
 #else
     bool list(const Item& item, RawDir& self, int&)

@@ -27,8 +27,8 @@ public:
 
     std::string_view get(Ref ref) const
     {
-        const auto* p = reinterpret_cast<const unsigned char*>(m_chunks[ref >> OffsetBits].get()) +
-                        (ref & (ChunkSize - 1));
+        const auto* p =
+            reinterpret_cast<const unsigned char*>(m_chunks[ref >> OffsetBits].get()) + (ref & (ChunkSize - 1));
         std::size_t len = p[0];
         if (len & 0x80) {
             len = (len & 0x7F) | (std::size_t(p[1]) << 7);

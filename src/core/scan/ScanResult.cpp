@@ -66,7 +66,8 @@ QByteArray ScanResult::filePath(qint64 file) const
 std::string_view ScanResult::shownName(std::uint64_t seq) const
 {
     if (!m_staleNames.empty()) {
-        const auto it = std::lower_bound(m_staleNames.begin(), m_staleNames.end(), std::make_pair(seq, std::uint64_t(0)));
+        const auto it =
+            std::lower_bound(m_staleNames.begin(), m_staleNames.end(), std::make_pair(seq, std::uint64_t(0)));
         if (it != m_staleNames.end() && it->first == seq) {
             if (it->second == UINT64_MAX)
                 return {m_carriedName.constData(), size_t(m_carriedName.size())};

@@ -132,7 +132,8 @@ QString ListSearch::resultLine(qint64 serial, const QString& itemText)
 
 QString ListSearch::countCaption(SearchResult::Kind kind, qint64 count)
 {
-    return (kind == SearchResult::Kind::Folders ? QStringLiteral(" Folders Found: ") : QStringLiteral(" Files Found: ")) +
+    return (kind == SearchResult::Kind::Folders ? QStringLiteral(" Folders Found: ")
+                                                : QStringLiteral(" Files Found: ")) +
            QString::number(count) + QLatin1Char(' ');
 }
 

@@ -31,18 +31,17 @@ namespace {
 bool isPseudo(const QByteArray& fs, const QString& root)
 {
     static const QSet<QByteArray> pseudo = {
-        "proc",   "sysfs",      "cgroup",    "cgroup2", "devtmpfs", "devpts",     "securityfs", "pstore",
-        "bpf",    "tracefs",    "debugfs",   "mqueue",  "hugetlbfs", "configfs",  "fusectl",    "autofs",
-        "binfmt_misc", "efivarfs", "nsfs",   "rpc_pipefs", "overlay", "squashfs", "selinuxfs",  "ramfs_internal",
+        "proc",        "sysfs",    "cgroup",  "cgroup2",    "devtmpfs",  "devpts",   "securityfs", "pstore",
+        "bpf",         "tracefs",  "debugfs", "mqueue",     "hugetlbfs", "configfs", "fusectl",    "autofs",
+        "binfmt_misc", "efivarfs", "nsfs",    "rpc_pipefs", "overlay",   "squashfs", "selinuxfs",  "ramfs_internal",
     };
     if (pseudo.contains(fs))
         return true;
     // Kernel and run-time tmpfs mounts hold no user files; a tmpfs elsewhere (a RAM disk) is shown.
     return root.startsWith(QLatin1String("/proc")) || root.startsWith(QLatin1String("/sys")) ||
-           root == QLatin1String("/dev") || root.startsWith(QLatin1String("/dev/")) ||
-           root == QLatin1String("/run") || root.startsWith(QLatin1String("/run/lock")) ||
-           root.startsWith(QLatin1String("/run/user")) || root.startsWith(QLatin1String("/run/credentials")) ||
-           root.startsWith(QLatin1String("/snap/"));
+           root == QLatin1String("/dev") || root.startsWith(QLatin1String("/dev/")) || root == QLatin1String("/run") ||
+           root.startsWith(QLatin1String("/run/lock")) || root.startsWith(QLatin1String("/run/user")) ||
+           root.startsWith(QLatin1String("/run/credentials")) || root.startsWith(QLatin1String("/snap/"));
 }
 
 // The block device name under /sys/block that `device` lives on ("/dev/sdb1" -> "sdb").
@@ -66,8 +65,8 @@ int typeCode(const QStorageInfo& info)
     const QByteArray fs = info.fileSystemType();
     if (fs == "tmpfs" || fs == "ramfs")
         return 5;
-    if (fs == "nfs" || fs == "nfs4" || fs == "cifs" || fs == "smb3" || fs == "smbfs" || fs == "9p" ||
-        fs == "afs" || fs == "fuse.sshfs" || fs == "fuse.rclone" || fs == "fuse.gvfsd-fuse" || fs == "ceph")
+    if (fs == "nfs" || fs == "nfs4" || fs == "cifs" || fs == "smb3" || fs == "smbfs" || fs == "9p" || fs == "afs" ||
+        fs == "fuse.sshfs" || fs == "fuse.rclone" || fs == "fuse.gvfsd-fuse" || fs == "ceph")
         return 3;
     if (fs == "iso9660" || fs == "udf" || info.device().startsWith("/dev/sr"))
         return 4;

@@ -8,9 +8,9 @@
 // One mounted volume as the drive selector shows it.
 struct Volume
 {
-    QString root;     // mount point ("/", "/media/stick"); a drive root on Windows ("c:\")
-    QString label;    // the volume's own name; empty when it has none
-    int typeCode = 0; // 0 Unknown, 1 Removable, 2 Fixed, 3 Network, 4 CD/DVD, 5 RAM Disk
+    QString root;      // mount point ("/", "/media/stick"); a drive root on Windows ("c:\")
+    QString label;     // the volume's own name; empty when it has none
+    int typeCode = 0;  // 0 Unknown, 1 Removable, 2 Fixed, 3 Network, 4 CD/DVD, 5 RAM Disk
     bool ready = true; // false when the medium cannot be read
 
     // The drive selector's text: the root, then " [label]" when the volume has a label.

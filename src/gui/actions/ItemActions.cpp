@@ -132,11 +132,9 @@ void ItemActions::filesDblClick(int pane)
 
 bool ItemActions::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::MouseButtonDblClick &&
-        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+    if (event->type() == QEvent::MouseButtonDblClick && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
         for (int n = 2; n <= 4; ++n) {
-            QAbstractItemView* view =
-                m_ui.List[n] ? static_cast<QAbstractItemView*>(m_ui.List[n]) : m_ui.MSFlexGrid[n];
+            QAbstractItemView* view = m_ui.List[n] ? static_cast<QAbstractItemView*>(m_ui.List[n]) : m_ui.MSFlexGrid[n];
             if (view && watched == view->viewport()) {
                 if (n == 2)
                     folderNamesDblClick();

@@ -19,8 +19,8 @@ class ItemActions : public QObject
 {
     Q_OBJECT
 public:
-    ItemActions(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes,
-                const Services& services, QObject* parent);
+    ItemActions(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes, const Services& services,
+                QObject* parent);
 
     // Compared with the upper-cased last three characters of a name. ".AU" keeps its dot: a two-letter
     // extension with the dot is three characters too.

@@ -75,8 +75,8 @@ const BrowserFlavour& BrowserFlavour::shortBrowser()
         s.fileMenuSeparatorBefore = 4;
         s.rightClickSelects = true;
         s.menusReadCurrentCells = false;
-        s.replaceFileQuestion =
-            QStringLiteral("File of this name exists in the Folder 'C:\\Quillbox'. Would you like to replace this file?");
+        s.replaceFileQuestion = QStringLiteral(
+            "File of this name exists in the Folder 'C:\\Quillbox'. Would you like to replace this file?");
         s.folderCopiedReport = QStringLiteral("Folder/ Sub-Folders of the Folder '%1' copied to 'C:\\QUILLBOX' folder");
         s.absoluteNameHeading = QStringLiteral("Aboslute File Name is:");
         s.restore = restoreValues(s);

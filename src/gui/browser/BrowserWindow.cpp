@@ -2,13 +2,9 @@
 
 #include "BrowserWindow.h"
 
-#include "actions/GoToCell.h"
-#include "actions/ItemActions.h"
-#include "search/SearchSection.h"
 #include "ClassicLook.h"
 #include "ClickableFrame.h"
 #include "ClickableLabel.h"
-#include "volumes/DriveCaption.h"
 #include "ListingDriver.h"
 #include "Pictures.h"
 #include "ResultGrid.h"
@@ -16,12 +12,16 @@
 #include "ResultPanes.h"
 #include "SaveActions.h"
 #include "actions/ContextMenus.h"
+#include "actions/GoToCell.h"
+#include "actions/ItemActions.h"
 #include "common/RuntimeError.h"
 #include "export/CollectionFolder.h"
 #include "platform/MediaPlayer.h"
 #include "platform/MessageService.h"
 #include "platform/ProgramEnd.h"
 #include "platform/Twips.h"
+#include "search/SearchSection.h"
+#include "volumes/DriveCaption.h"
 #include "volumes/VolumeService.h"
 
 #include <QCloseEvent>

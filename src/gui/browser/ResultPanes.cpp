@@ -153,8 +153,9 @@ void ResultPanes::click(int pane)
     using Handler = void (ResultPanes::*)();
     static constexpr Handler lists[] = {nullptr, &ResultPanes::List1_Click, &ResultPanes::List2_Click,
                                         &ResultPanes::List3_Click, &ResultPanes::List4_Click};
-    static constexpr Handler gridHandlers[] = {nullptr, &ResultPanes::MSFlexGrid1_Click, &ResultPanes::MSFlexGrid2_Click,
-                                               &ResultPanes::MSFlexGrid3_Click, &ResultPanes::MSFlexGrid4_Click};
+    static constexpr Handler gridHandlers[] = {nullptr, &ResultPanes::MSFlexGrid1_Click,
+                                               &ResultPanes::MSFlexGrid2_Click, &ResultPanes::MSFlexGrid3_Click,
+                                               &ResultPanes::MSFlexGrid4_Click};
     if (pane < 1 || pane > 4)
         return;
     (this->*(grids() ? gridHandlers : lists)[pane])();

@@ -39,6 +39,7 @@ bool DesktopShellService::locate(const QString& path)
 #endif
     // No file manager answers on the bus (a bare window manager, a container): show the containing folder.
     const QFileInfo info(path);
-    return QDesktopServices::openUrl(NativeText::fileUrl(info.isDir() && path.endsWith(QLatin1Char('/')) ? path : info.path()));
+    return QDesktopServices::openUrl(
+        NativeText::fileUrl(info.isDir() && path.endsWith(QLatin1Char('/')) ? path : info.path()));
 #endif
 }

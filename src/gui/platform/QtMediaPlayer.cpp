@@ -23,7 +23,6 @@ bool preferGStreamer()
     return true;
 }
 
-
 } // namespace
 
 QtMediaPlayer::QtMediaPlayer(QObject* parent) : QObject(parent) {}

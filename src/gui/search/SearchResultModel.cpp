@@ -28,7 +28,8 @@ int SearchResultModel::rowCount(const QModelIndex& parent) const
 
 QVariant SearchResultModel::data(const QModelIndex& index, int role) const
 {
-    if (role != Qt::DisplayRole || !checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+    if (role != Qt::DisplayRole ||
+        !checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
     return m_result.line(index.row());
 }
