@@ -3,6 +3,7 @@
 #ifndef _WIN32
 #include "AutomationProbe.h"
 #endif
+#include "common/Version.h"
 #include "platform/ProgramEnd.h"
 #include "platform/SystemServices.h"
 #include "startup/OptionsWindow.h"
@@ -18,7 +19,7 @@ int main(int argc, char* argv[])
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
     QApplication::setApplicationName(QStringLiteral("Quillary"));
-    QApplication::setApplicationVersion(QStringLiteral("4.50"));
+    QApplication::setApplicationVersion(QStringLiteral(QUILLARY_VERSION));
 
 #ifndef _WIN32
     AutomationProbe::installIfRequested(&app); // for the end-to-end test only

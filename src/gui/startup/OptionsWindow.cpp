@@ -7,6 +7,7 @@
 #include "browser/ClassicLook.h"
 #include "browser/ClickableLabel.h"
 #include "browser/Pictures.h"
+#include "common/Version.h"
 #include "platform/AdminCheck.h"
 #include "platform/MessageService.h"
 #include "platform/ProgramEnd.h"
@@ -38,7 +39,7 @@ void setBackground(QWidget* w, const QColor& colour)
 OptionsWindow::OptionsWindow(const Services& services) : m_services(services)
 {
     setObjectName(QStringLiteral("Options"));
-    setWindowTitle(QStringLiteral("QUILLARY 4.50"));
+    setWindowTitle(QStringLiteral("QUILLARY " QUILLARY_VERSION));
     setFixedSize(Twips::toPx(5010), Twips::toPx(3945));
     setFont(ClassicLook::uiFont());
     buildControls();
@@ -145,7 +146,7 @@ bool OptionsWindow::Form_Load()
                        "rights have access to all system files.\r\n"
                        "\r\n"
                        "Would you still like to open the program as a 'User'?"),
-        36, QStringLiteral("Quillary 4.50"));
+        36, QStringLiteral("Quillary " QUILLARY_VERSION));
     m_ui.Label3->setText(QStringLiteral(" Running as User "));
     if (answer == Answer::No) {
         m_services.programEnd->end();
