@@ -5,46 +5,18 @@
 #include "common/NativeText.h"
 #include "common/NumberText.h"
 
+#include "FolderReader.h"
+
 #include <QString>
 #include <algorithm>
 #include <condition_variable>
-#include <cstring>
 #include <mutex>
 #include <string>
 #include <thread>
 
-#ifdef _WIN32
-#include <filesystem>
-#else
-#include <cerrno>
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#ifdef __linux__
-#include <sys/syscall.h>
-#endif
-#endif
-#include <climits>
-#include <cstdlib>
-#include <fstream>
-#include <unordered_set>
-
 namespace {
 
 constexpr int StopMark = 33333;
-// Beyond this length a folder is opened relative to its parent's descriptor instead of by path, so trees whose
-// paths pass PATH_MAX are still read.
-constexpr std::size_t LongPath = 3000;
-
-#ifdef _WIN32
-constexpr char Separator = '\\';
-#else
-constexpr char Separator = '/';
-#endif
-
-enum class DirState : std::uint8_t { Pending, Read, Unreadable, Vanished, NotEntered };
 
 struct RawDir
 {
@@ -102,16 +74,14 @@ bool lessBytes(std::string_view a, std::string_view b)
 struct Item
 {
     std::uint32_t id;
-    int fd; // an open descriptor for folders deep enough to need one, else -1
-    std::string path;
+    FolderPlace place;
 };
 
 struct Child
 {
     NameArena::Ref name;
     DirState state; // Pending: to be read
-    int fd;
-    std::string path;
+    FolderPlace place;
 };
 
 struct Shared
@@ -125,9 +95,7 @@ struct Shared
     std::vector<Item> stack; // last in, first out: keeps the walk close to depth-first, and few folders open
     std::size_t pending = 0; // queued plus being read
     std::uint32_t nextId = 1;
-    std::uint64_t rootDev = 0;
-    bool mountsKnown = false;                    // the mount table could be read
-    std::unordered_set<std::string> mountPoints; // mount points below the start folder
+    FolderReader::Start start;
     std::atomic<std::size_t> nameBytes{0};
 };
 
@@ -139,10 +107,13 @@ struct Entry
     bool otherDevice;
 };
 
-class Worker
+class Worker : private FolderReader::Sink
 {
 public:
-    Worker(Shared& shared, std::uint8_t index) : m_shared(shared), m_names(shared.names), m_index(index) {}
+    Worker(Shared& shared, std::uint8_t index)
+        : m_shared(shared), m_names(shared.names), m_index(index), m_reader(shared.start)
+    {
+    }
 
     void run()
     {
@@ -157,8 +128,7 @@ public:
             m_children.clear();
             const bool cancelled = m_shared.options.cancel && m_shared.options.cancel->load(std::memory_order_relaxed);
             if (cancelled) {
-                if (item.fd >= 0)
-                    closeFd(item.fd);
+                FolderReader::release(item.place);
             } else {
                 read(item);
             }
@@ -186,7 +156,7 @@ private:
             d.name = c.name;
             d.state = c.state;
             if (c.state == DirState::Pending) {
-                m_shared.stack.push_back(Item{base + std::uint32_t(k), c.fd, std::move(c.path)});
+                m_shared.stack.push_back(Item{base + std::uint32_t(k), std::move(c.place)});
                 ++queued;
             }
         }
@@ -200,16 +170,7 @@ private:
             m_shared.wake.notify_one();
     }
 
-    static void closeFd(int fd)
-    {
-#ifndef _WIN32
-        ::close(fd);
-#else
-        (void)fd;
-#endif
-    }
-
-    void addEntry(std::string_view name, std::uint64_t size, bool dir, bool otherDevice)
+    void add(std::string_view name, std::uint64_t size, bool dir, bool otherDevice) override
     {
         Entry e;
         e.nameOff = std::uint32_t(m_pool.size());
@@ -224,10 +185,7 @@ private:
         m_entries.push_back(e);
     }
 
-    std::string_view nameOf(const Entry& e) const
-    {
-        return {m_pool.data() + e.nameOff, e.nameLen};
-    }
+    std::string_view nameOf(const Entry& e) const { return {m_pool.data() + e.nameOff, e.nameLen}; }
 
     bool less(const Entry& a, const Entry& b) const
     {
@@ -246,8 +204,7 @@ private:
         m_pool.clear();
         m_keys.clear();
         m_entries.clear();
-        int dfd = -1;
-        if (!list(item, self, dfd))
+        if (!m_reader.list(item.place, item.id == 0, self.state, *this))
             return;
         std::vector<std::uint32_t>& order = m_order;
         order.resize(m_entries.size());
@@ -268,169 +225,24 @@ private:
                 self.ownBytes += e.size;
                 continue;
             }
-            Child c{m_names.add(name), DirState::Pending, -1, {}};
+            Child c{m_names.add(name), DirState::Pending, {}};
             if (e.otherDevice) {
                 c.state = DirState::NotEntered; // a mount point: listed, not entered
             } else {
-                openChild(item, dfd, name, c);
+                m_reader.openChild(item.place, name, c.place, c.state);
             }
             m_children.push_back(std::move(c));
         }
         self.fileCount = std::uint32_t(files.size() - self.fileStart);
-        self.state = DirState::Read;
+        if (self.state == DirState::Pending)
+            self.state = DirState::Read;
         m_shared.nameBytes.fetch_add(nameBytes, std::memory_order_relaxed);
         if (WalkProgress* p = m_shared.options.progress) {
             p->folders.fetch_add(qint64(m_children.size()), std::memory_order_relaxed);
             p->files.fetch_add(qint64(self.fileCount), std::memory_order_relaxed);
         }
-        if (dfd >= 0)
-            closeFd(dfd);
+        m_reader.close();
     }
-
-#ifndef _WIN32
-    // Calls `take(name, d_type)` for each entry but "." and ".."; false when the folder cannot be listed.
-    template <typename Take> bool forEachEntry(int dfd, Take&& take)
-    {
-#ifdef __linux__
-        // getdents64 straight on our descriptor: no second descriptor and no DIR stream to set up per folder.
-        for (;;) {
-            const long n = ::syscall(SYS_getdents64, dfd, m_dents.data(), m_dents.size());
-            if (n < 0) {
-                if (errno == EINTR)
-                    continue;
-                return false;
-            }
-            if (n == 0)
-                return true;
-            for (long off = 0; off < n;) {
-                const auto* d = reinterpret_cast<const Dirent64*>(m_dents.data() + off);
-                const char* name = d->d_name;
-                if (!(name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))))
-                    take(name, d->d_type);
-                off += d->d_reclen;
-            }
-        }
-#else
-        const int listFd = ::dup(dfd); // fdopendir takes its descriptor; ours stays for stat and openat
-        DIR* dir = listFd >= 0 ? ::fdopendir(listFd) : nullptr;
-        if (!dir) {
-            if (listFd >= 0)
-                ::close(listFd);
-            return false;
-        }
-        while (const dirent* d = ::readdir(dir)) {
-            const char* name = d->d_name;
-            if (!(name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))))
-                take(name, d->d_type);
-        }
-        ::closedir(dir);
-        return true;
-#endif
-    }
-
-    bool isMountPoint(const Item& item, int dfd, const char* name)
-    {
-        if (m_shared.mountPoints.empty())
-            return false;
-        if (item.path.empty()) { // deep enough to have no path: ask the file system
-            struct stat st;
-            return ::fstatat(dfd, name, &st, AT_SYMLINK_NOFOLLOW) == 0 && std::uint64_t(st.st_dev) != m_shared.rootDev;
-        }
-        std::string p = item.path;
-        if (p.back() != Separator)
-            p.push_back(Separator);
-        p.append(name);
-        return m_shared.mountPoints.count(p) != 0;
-    }
-
-    bool list(const Item& item, RawDir& self, int& dfd)
-    {
-        // Links below the start folder are never followed; the start folder itself may be reached through one.
-        const int follow = item.id == 0 ? 0 : O_NOFOLLOW;
-        dfd = item.fd >= 0 ? item.fd : ::open(item.path.c_str(), O_RDONLY | O_DIRECTORY | follow | O_CLOEXEC);
-        if (dfd < 0) {
-            self.state =
-                (errno == ENOENT || errno == ENOTDIR || errno == ELOOP) ? DirState::Vanished : DirState::Unreadable;
-            return false;
-        }
-        const bool listed = forEachEntry(dfd, [&](const char* n, unsigned char type) {
-            if (type == DT_DIR && m_shared.mountsKnown) {
-                // A folder needs no stat of its own: its size is what is below it, and whether it is a mount
-                // point the mount table says.
-                addEntry(n, 0, true, isMountPoint(item, dfd, n));
-                return;
-            }
-            struct stat st;
-            if (::fstatat(dfd, n, &st, AT_SYMLINK_NOFOLLOW) != 0) {
-                if (errno == ENOENT)
-                    return; // gone since the folder was listed
-                // Listed but not searchable: the entry is there, its details are not.
-                addEntry(n, 0, type == DT_DIR, false);
-                return;
-            }
-            const bool isDir = S_ISDIR(st.st_mode);
-            addEntry(n, isDir ? 0 : std::uint64_t(st.st_size), isDir,
-                     isDir && std::uint64_t(st.st_dev) != m_shared.rootDev);
-        });
-        if (!listed)
-            self.state = DirState::Unreadable; // listed by its parent, but nothing in it can be read
-        return true;
-    }
-
-    void openChild(const Item& item, int dfd, std::string_view name, Child& c)
-    {
-        const bool parentIsLong = item.fd >= 0 && item.path.empty();
-        const std::size_t len = item.path.size() + 1 + name.size();
-        if (!parentIsLong && len < LongPath) {
-            c.path.reserve(len);
-            c.path = item.path;
-            if (c.path.empty() || c.path.back() != Separator)
-                c.path.push_back(Separator);
-            c.path.append(name);
-            return;
-        }
-        const std::string n(name);
-        c.fd = ::openat(dfd, n.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        if (c.fd < 0)
-            c.state =
-                (errno == ENOENT || errno == ENOTDIR || errno == ELOOP) ? DirState::Vanished : DirState::Unreadable;
-    }
-#else
-    bool list(const Item& item, RawDir& self, int&)
-    {
-        namespace fs = std::filesystem;
-        const QString display = NativeText::toDisplay(item.path);
-        const fs::path dirPath(reinterpret_cast<const wchar_t*>(display.utf16()));
-        std::error_code ec;
-        fs::directory_iterator it(dirPath, ec);
-        if (ec) {
-            self.state = ec == std::errc::no_such_file_or_directory ? DirState::Vanished : DirState::Unreadable;
-            return false;
-        }
-        for (; it != fs::directory_iterator(); it.increment(ec)) {
-            if (ec)
-                break;
-            const std::wstring w = it->path().filename().wstring();
-            const QByteArray name = NativeText::fromDisplay(QString::fromWCharArray(w.data(), qsizetype(w.size())));
-            std::error_code e2;
-            const auto st = it->symlink_status(e2);
-            if (e2)
-                continue;
-            const bool isDir = fs::is_directory(st) && !it->is_symlink(e2);
-            const std::uint64_t size = isDir ? 0 : it->file_size(e2);
-            addEntry({name.constData(), size_t(name.size())}, e2 ? 0 : size, isDir, false);
-        }
-        return true;
-    }
-
-    void openChild(const Item& item, int, std::string_view name, Child& c)
-    {
-        c.path = item.path;
-        if (c.path.empty() || c.path.back() != Separator)
-            c.path.push_back(Separator);
-        c.path.append(name);
-    }
-#endif
 
     Shared& m_shared;
     NameArena::Writer m_names;
@@ -440,17 +252,7 @@ private:
     std::vector<Entry> m_entries;
     std::vector<std::uint32_t> m_order;
     std::vector<Child> m_children;
-#ifdef __linux__
-    struct Dirent64
-    {
-        std::uint64_t d_ino;
-        std::int64_t d_off;
-        unsigned short d_reclen;
-        unsigned char d_type;
-        char d_name[1];
-    };
-    std::vector<char> m_dents = std::vector<char>(64 * 1024);
-#endif
+    FolderReader m_reader;
 };
 
 } // namespace
@@ -552,51 +354,6 @@ private:
     int m_fileCounter = 0;
 };
 
-#ifdef __linux__
-// Mount points strictly below `start`, from the kernel's table (octal escapes as in "/media/my\040disk").
-void loadMountPoints(const QByteArray& start, Shared& shared)
-{
-    std::ifstream in("/proc/self/mountinfo");
-    if (!in)
-        return;
-    shared.mountsKnown = true;
-    // The table names mount points by their real paths; the walk builds paths on the start folder as given,
-    // which may lead there through a link.
-    const auto withSeparator = [](std::string p) {
-        if (p.empty() || p.back() != Separator)
-            p.push_back(Separator);
-        return p;
-    };
-    const std::string given = withSeparator(std::string(start.constData(), size_t(start.size())));
-    char real[PATH_MAX];
-    const std::string prefix = withSeparator(::realpath(start.constData(), real) ? std::string(real) : given);
-    std::string line;
-    while (std::getline(in, line)) {
-        // id parent major:minor root mount-point ...
-        std::size_t pos = 0;
-        for (int field = 0; field < 4 && pos != std::string::npos; ++field)
-            pos = line.find(' ', pos + (field ? 1 : 0));
-        if (pos == std::string::npos)
-            continue;
-        const std::size_t end = line.find(' ', pos + 1);
-        const std::string raw = line.substr(pos + 1, end - pos - 1);
-        std::string point;
-        for (std::size_t i = 0; i < raw.size(); ++i) {
-            if (raw[i] == '\\' && i + 3 < raw.size()) {
-                point.push_back(char((raw[i + 1] - '0') * 64 + (raw[i + 2] - '0') * 8 + (raw[i + 3] - '0')));
-                i += 3;
-            } else {
-                point.push_back(raw[i]);
-            }
-        }
-        if (point.size() > prefix.size() && point.compare(0, prefix.size(), prefix) == 0)
-            shared.mountPoints.insert(given + point.substr(prefix.size()));
-    }
-}
-#else
-void loadMountPoints(const QByteArray&, Shared&) {}
-#endif
-
 } // namespace
 
 std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const WalkOptions& options)
@@ -604,29 +361,17 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     auto result = std::make_unique<ScanResult>();
     ScanResult& r = *result;
     QByteArray start = startPathIn;
-    while (start.size() > 1 && start.endsWith(Separator) && !(start.size() == 3 && start[1] == ':'))
+    while (start.size() > 1 && start.endsWith(FolderReader::Separator) && !(start.size() == 3 && start[1] == ':'))
         start.chop(1);
     r.m_flavour = options.flavour;
-    r.m_separator = Separator;
+    r.m_separator = FolderReader::Separator;
     r.m_startPath = start;
     r.m_carriedName = options.carry.lastName;
 
     Shared shared(r.m_names, options);
     shared.table.ensure(1);
-#ifndef _WIN32
-    {
-        struct rlimit lim;
-        if (::getrlimit(RLIMIT_NOFILE, &lim) == 0 && lim.rlim_cur < lim.rlim_max) {
-            lim.rlim_cur = lim.rlim_max; // deep trees keep a descriptor per pending folder
-            ::setrlimit(RLIMIT_NOFILE, &lim);
-        }
-        struct stat st;
-        if (::stat(start.constData(), &st) == 0)
-            shared.rootDev = std::uint64_t(st.st_dev);
-        loadMountPoints(start, shared);
-    }
-#endif
-    shared.stack.push_back(Item{0, -1, start.toStdString()});
+    FolderReader::prepare(start, shared.start);
+    shared.stack.push_back(Item{0, {-1, start.toStdString()}});
     shared.pending = 1;
 
     int threads = options.threads > 0 ? options.threads : int(std::thread::hardware_concurrency());

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "FolderReader.h"
+
+#include "common/NativeText.h"
+
+#include <QString>
+#include <filesystem>
+
+void FolderReader::prepare(const QByteArray&, Start&) {}
+
+void FolderReader::release(FolderPlace&) {}
+
+FolderReader::FolderReader(const Start& start) : m_start(start) {}
+
+FolderReader::~FolderReader() = default;
+
+void FolderReader::close() {}
+
+bool FolderReader::list(const FolderPlace& place, bool, DirState& state, Sink& sink)
+{
+    namespace fs = std::filesystem;
+    const QString display = NativeText::toDisplay(place.path);
+    const fs::path dirPath(reinterpret_cast<const wchar_t*>(display.utf16()));
+    std::error_code ec;
+    fs::directory_iterator it(dirPath, ec);
+    if (ec) {
+        state = ec == std::errc::no_such_file_or_directory ? DirState::Vanished : DirState::Unreadable;
+        return false;
+    }
+    for (; it != fs::directory_iterator(); it.increment(ec)) {
+        if (ec)
+            break;
+        const std::wstring w = it->path().filename().wstring();
+        const QByteArray name = NativeText::fromDisplay(QString::fromWCharArray(w.data(), qsizetype(w.size())));
+        std::error_code e2;
+        const auto st = it->symlink_status(e2);
+        if (e2)
+            continue;
+        const bool isDir = fs::is_directory(st) && !it->is_symlink(e2);
+        const std::uint64_t size = isDir ? 0 : it->file_size(e2);
+        sink.add({name.constData(), size_t(name.size())}, e2 ? 0 : size, isDir, false);
+    }
+    return true;
+}
+
+void FolderReader::openChild(const FolderPlace& parent, std::string_view name, FolderPlace& child, DirState&)
+{
+    child.path = parent.path;
+    if (child.path.empty() || child.path.back() != Separator)
+        child.path.push_back(Separator);
+    child.path.append(name);
+}
