@@ -31,12 +31,13 @@ test: build
 # The core and its tests under AddressSanitizer and UndefinedBehaviorSanitizer.
 test-asan: deps
 	cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILLARY_SANITIZE=ON \
-		-DQUILLARY_WIDGETS=OFF -DQUILLARY_BENCH=OFF
+		-DQUILLARY_WIDGETS=OFF
 	cmake --build build-asan -j $(JOBS)
 	cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
 
-bench: build
+bench: configure
 	@./scripts/setup-deps.sh --bench
+	cmake --build $(BUILD) -j $(JOBS) --target benchmarks
 	./bench/run.sh
 
 install: build

@@ -4,10 +4,14 @@
 # Used by `make` on a fresh machine and by CI; harmless to run again.
 set -euo pipefail
 pkgs=(cmake ninja-build g++ make qt6-base-dev qt6-multimedia-dev libgl-dev time python3)
+# The program's icon is an SVG: Qt's SVG plugins draw it on the windows.
+pkgs+=(libqt6svg6)
 # Media in the player frame: Qt Multimedia's GStreamer backend with WAV, MP3 and AU (-good) and H.264 and AAC (-libav).
 pkgs+=(gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav)
 # The end-to-end test: an X server, a window manager with close boxes, real input.
 pkgs+=(xvfb xdotool openbox wmctrl)
+# The installed launcher entry and AppStream file go through their validators.
+pkgs+=(desktop-file-utils appstream)
 # The formatting check: one pinned clang-format, so every machine formats alike.
 pkgs+=(clang-format-14)
 if [ "${1:-}" = "--bench" ]; then pkgs+=(gdu); fi

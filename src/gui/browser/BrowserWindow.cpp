@@ -700,7 +700,7 @@ void BrowserWindow::Image2_Click()
                                                 "5. SEARCH FACILTY FOR FILES AND FOLDERS\r\n"
                                                 "6. OPTION FOR OPENING FILES DIRECTLY FROM THE FILE LISTS\r\n"
                                                 "\r\n"
-                                                "Quillary is free software: use it and pass it on.\r\n"
+                                                "Free software under the GNU GPL v3 or later, with NO WARRANTY.\r\n"
                                                 "Written by the Quillary developers.\r\n"
                                                 "Email: hello@quillary.example\r\n"
                                                 "\tWeb: https://www.quillary.example\r\n"
