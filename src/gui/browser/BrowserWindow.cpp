@@ -16,6 +16,7 @@
 #include "actions/ItemActions.h"
 #include "common/RuntimeError.h"
 #include "export/CollectionFolder.h"
+#include "platform/ControlPurposes.h"
 #include "platform/MediaPlayer.h"
 #include "platform/MessageService.h"
 #include "platform/ProgramEnd.h"
@@ -157,6 +158,7 @@ BrowserWindow::BrowserWindow(const BrowserFlavour& flavour, const Services& serv
     m_search = new SearchSection(m_flavour, m_ui, *m_panes, *m_actions, m_services, this);
     if (m_flavour.hasGoToFrame)
         m_goTo = new GoToCell(m_ui, *m_panes, m_services, *this);
+    ControlPurposes::nameBrowserControls(this, m_flavour);
     Form_Load();
 }
 

@@ -9,6 +9,7 @@
 #include "browser/Pictures.h"
 #include "common/Version.h"
 #include "platform/AdminCheck.h"
+#include "platform/ControlPurposes.h"
 #include "platform/MessageService.h"
 #include "platform/ProgramEnd.h"
 #include "platform/Twips.h"
@@ -44,6 +45,7 @@ OptionsWindow::OptionsWindow(const Services& services) : m_services(services)
     setFont(ClassicLook::uiFont());
     buildControls();
     ClassicLook::fitLabels(this);
+    ControlPurposes::nameOptionsControls(this);
 }
 
 OptionsWindow::~OptionsWindow() = default;
