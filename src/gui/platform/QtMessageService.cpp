@@ -2,6 +2,8 @@
 
 #include "QtMessageService.h"
 
+#include "ChoiceRequired.h"
+
 #include <QApplication>
 #include <QMessageBox>
 
@@ -45,6 +47,7 @@ Answer QtMessageService::message(const QString& text, int style, const QString& 
         box.setStandardButtons(QMessageBox::Ok);
         break;
     }
+    new ChoiceRequired(box);
     switch (box.exec()) {
     case QMessageBox::Yes:
         return Answer::Yes;
@@ -53,7 +56,7 @@ Answer QtMessageService::message(const QString& text, int style, const QString& 
     case QMessageBox::Cancel:
         return Answer::Cancel;
     default:
-        // Escape on a box without Cancel closes it like its only button.
-        return (style & 7) == 4 ? Answer::No : Answer::Ok;
+        // Escape on an OK box closes it like its only button.
+        return Answer::Ok;
     }
 }
