@@ -7,8 +7,10 @@
 #include <QObject>
 #include <QPointer>
 #include <QWidget>
+#include <memory>
 
 class QAudioOutput;
+class QFile;
 class QMediaPlayer;
 
 // Plays inside the window through Qt Multimedia: the sound to the default output, the picture to a video
@@ -33,8 +35,11 @@ private:
     // Made on first use: most runs never play anything, and opening the sound output costs start-up time
     // (and a warning where no sound server runs).
     QMediaPlayer* player();
+    // Lets go of a file the player was reading from an open descriptor.
+    void release();
 
     QMediaPlayer* m_player = nullptr;
     QAudioOutput* m_audio = nullptr;
     QPointer<QWidget> m_video;
+    std::unique_ptr<QFile> m_file;
 };
