@@ -2,6 +2,7 @@
 
 #include "BrowserTestKit.h"
 
+#include "platform/Twips.h"
 #include "startup/OptionsWindow.h"
 
 #include <QToolButton>
@@ -134,6 +135,28 @@ private slots:
         QCOMPARE(shortBrowser->controls().Text1->text(), u"kept"_s);
         QVERIFY(m_fakes.messages.calls.isEmpty());
         QCOMPARE(m_fakes.programEnd.count, 0);
+    }
+
+    // As a classic option button, the whole 3660 x 285 twips band answers, not only the circle and the caption.
+    void clickAnywhereOnTheBand_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<int>("top");
+        QTest::newRow("Option1(0) right end") << 0 << 1140;
+        QTest::newRow("Option1(1) right end") << 1 << 1875;
+    }
+
+    void clickAnywhereOnTheBand()
+    {
+        QFETCH(int, index);
+        QFETCH(int, top);
+        OptionsWindow w(m_fakes.services());
+        w.start();
+        auto* option = w.findChild<QRadioButton*>(u"Option1_"_s + QString::number(index));
+        QCOMPARE(option->geometry(), Twips::toPx(QRect(270, top, 3660, 285)));
+        QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(option->width() - 2, option->height() - 2));
+        QCOMPARE(index == 0 ? w.shortBrowser() != nullptr : w.longBrowser() != nullptr, true);
+        QVERIFY(!w.isVisible());
     }
 
     void closeBoxEndsProgram()

@@ -2,6 +2,8 @@
 
 #include "OptionsWindow.h"
 
+#include "OptionBand.h"
+
 #include "browser/BrowserFlavour.h"
 #include "browser/BrowserWindow.h"
 #include "browser/ClassicLook.h"
@@ -83,7 +85,7 @@ void OptionsWindow::buildControls()
     const QRect optionPlaces[2] = {{270, 1140, 3660, 285}, {270, 1875, 3660, 285}};
     const QRect legendPlaces[2] = {{1290, 1515, 2940, 195}, {1290, 2250, 2910, 195}};
     for (int i = 0; i < 2; ++i) {
-        auto* option = new QRadioButton(QStringLiteral("Quillary"), f);
+        auto* option = new OptionBand(QStringLiteral("Quillary"), f);
         option->setObjectName(QStringLiteral("Option1_") + QString::number(i));
         option->setFont(optionFont);
         setBackground(option, LightCyan);
