@@ -98,11 +98,16 @@ QList<Volume> SystemVolumeService::volumes() const
 {
     QList<Volume> out;
     for (const QStorageInfo& info : QStorageInfo::mountedVolumes()) {
-        if (isPseudo(info.fileSystemType(), info.rootPath()))
+        if (!shown(info.fileSystemType(), info.rootPath()))
             continue;
         out.append(toVolume(info));
     }
     return out;
+}
+
+bool SystemVolumeService::shown(const QByteArray& fileSystemType, const QString& root)
+{
+    return !isPseudo(fileSystemType, root) && QFileInfo(root).isDir();
 }
 
 Volume SystemVolumeService::volumeOf(const QString& path) const

@@ -39,4 +39,8 @@ class SystemVolumeService : public VolumeService
 public:
     QList<Volume> volumes() const override;
     Volume volumeOf(const QString& path) const override;
+
+    // Whether a mount of `fileSystemType` at `root` is offered as a drive: not a pseudo or kernel file system,
+    // and a folder (containers bind-mount single files such as /etc/hosts).
+    static bool shown(const QByteArray& fileSystemType, const QString& root);
 };
