@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "browser/FolderTreeModel.h"
+#include "common/NativeText.h"
+
+#include <QAbstractItemModelTester>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+// The folder tree's model on a real tree that holds a folder whose name is not UTF-8.
+class TestFolderTreeModel : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    QByteArray m_root;
+
+    QByteArray at(const QByteArray& relative) const { return m_root + '/' + relative; }
+    static QStringList names(const FolderTreeModel& model, const QModelIndex& parent = {})
+    {
+        QStringList out;
+        for (int row = 0; row < model.rowCount(parent); ++row)
+            out.append(model.index(row, 0, parent).data().toString());
+        return out;
+    }
+
+private slots:
+    void init()
+    {
+        QVERIFY(m_dir.isValid());
+        m_root = QFile::encodeName(m_dir.path()) + "/tree";
+        for (const char* folder : {"", "/beta", "/Alpha", "/Alpha/inner", "/g\xE9mma", "/g\xE9mma/deeper"})
+            QCOMPARE(::mkdir((m_root + folder).constData(), 0755), 0);
+        QFile file(QFile::decodeName(at("file.txt")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(::symlink(at("Alpha").constData(), at("link").constData()), 0);
+    }
+
+    void cleanup()
+    {
+        // QDir cannot remove a name that is not UTF-8: give it one first.
+        QCOMPARE(::rename(at("g\xE9mma").constData(), at("gemma").constData()), 0);
+        QVERIFY(QDir(QFile::decodeName(m_root)).removeRecursively());
+    }
+
+    // Only folders, links left out, in the walk's order; each node shown losslessly and keeping its bytes.
+    void foldersOnRawBytes()
+    {
+        FolderTreeModel model;
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setRootPath(m_root);
+        QVERIFY(model.canFetchMore({}));
+        model.fetchMore({});
+        QTRY_COMPARE(names(model), (QStringList{u"Alpha"_s, u"beta"_s, NativeText::toDisplay(QByteArray("g\xE9mma"))}));
+
+        const QModelIndex deeper = model.index(at("g\xE9mma/deeper"));
+        QVERIFY(deeper.isValid());
+        QCOMPARE(model.nativePath(deeper), at("g\xE9mma/deeper"));
+        QCOMPARE(model.nativePath(deeper.parent()), at("g\xE9mma"));
+        QCOMPARE(NativeText::fromDisplay(model.displayPath(deeper)), at("g\xE9mma/deeper"));
+        QVERIFY(!model.index(at("file.txt")).isValid());
+        QVERIFY(!model.index(QByteArray("/elsewhere")).isValid());
+    }
+
+    // A rename or removal outside leaves the chosen node where it is; a folder made later is found by its path.
+    void renamedNodeStaysNewFolderIsAdded()
+    {
+        FolderTreeModel model;
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setRootPath(m_root);
+        const QPersistentModelIndex chosen = model.index(at("beta"));
+        const QPersistentModelIndex removed = model.index(at("Alpha/inner"));
+        QVERIFY(chosen.isValid() && removed.isValid());
+        QCOMPARE(::rename(at("beta").constData(), at("omega").constData()), 0);
+        QCOMPARE(::rmdir(at("Alpha/inner").constData()), 0);
+        QCOMPARE(model.index(at("Alpha/inner")), QModelIndex(removed));
+        QCOMPARE(model.nativePath(chosen), at("beta"));
+
+        QCOMPARE(::mkdir(at("delta").constData(), 0755), 0);
+        const QModelIndex delta = model.index(at("delta"));
+        QVERIFY(delta.isValid());
+        QCOMPARE(names(model), (QStringList{u"Alpha"_s, u"beta"_s, u"delta"_s,
+                                            NativeText::toDisplay(QByteArray("g\xE9mma")), u"omega"_s}));
+        QCOMPARE(model.nativePath(chosen), at("beta"));
+    }
+};
+
+QTEST_MAIN(TestFolderTreeModel)
+#include "tst_foldertreemodel.moc"
