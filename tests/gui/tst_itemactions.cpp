@@ -151,7 +151,8 @@ private slots:
         QCOMPARE(m_fakes.shell.located.size(), 1);
     }
 
-    // Both "Click to Close" labels, and a double-click on a file that does not play, stop the player.
+    // The frame around the picture, both "Click to Close" labels, and a double-click on a file that does not
+    // play, stop the player; a click on the picture itself does not.
     void playerFrameCloses_data() { addFlavours(); }
     void playerFrameCloses()
     {
@@ -159,6 +160,12 @@ private slots:
         auto w = listed(longVersion);
         setOpen(*w, true);
         const int row = fileRow(*w, u"MYWAV"_s);
+        ClickableFrame* frame = w->controls().playerFrame;
+        doubleClickRow(*w, 3, row);
+        QTest::mouseClick(w->controls().WindowsMediaPlayer1, Qt::LeftButton);
+        QVERIFY(frame->isVisible());
+        QTest::mouseClick(frame, Qt::LeftButton, {}, QPoint(2, frame->height() / 2));
+        QVERIFY(frame->isHidden());
         for (ClickableLabel* label : w->controls().clickToClose) {
             doubleClickRow(*w, 3, row);
             QVERIFY(w->controls().playerFrame->isVisible());

@@ -4,7 +4,7 @@
 
 #include <QFrame>
 
-// A frame that answers a click on its own surface (the player frame closes that way).
+// A frame that answers a click on its own surface, around its children (the player frame closes that way).
 class ClickableFrame : public QFrame
 {
     Q_OBJECT
