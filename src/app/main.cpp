@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#ifndef _WIN32
-#include "AutomationProbe.h"
-#endif
 #include "common/Version.h"
 #include "platform/ProgramEnd.h"
 #include "platform/SystemServices.h"
@@ -51,10 +48,6 @@ int main(int argc, char* argv[])
     QGuiApplication::setDesktopFileName(QStringLiteral(QUILLARY_APP_ID));
     QApplication::setWindowIcon(
         QIcon::fromTheme(QStringLiteral(QUILLARY_APP_ID), QIcon(QStringLiteral(":/icons/" QUILLARY_APP_ID ".svg"))));
-
-#ifndef _WIN32
-    AutomationProbe::installIfRequested(&app); // for the end-to-end test only
-#endif
     SystemServices system;
     OptionsWindow options(system.services());
     options.start();

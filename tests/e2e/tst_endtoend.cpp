@@ -1,20 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// The program as a person uses it: a real X server (Xvfb) with a window manager, real mouse clicks and key
-// presses through xdotool, the real services. The program answers questions about what its windows show
-// through its probe (QUILLARY_PROBE=1); everything it does is triggered from outside.
+// The program as a person uses it, on a real X server (Xvfb) with a window manager and the real services. The
+// test sees the windows the way a screen reader does, through the desktop's accessibility bus: it finds each
+// control by its role and name, reads texts and states there, and clicks and types through the X server
+// (xdotool) where the control is on the screen. The program does nothing for the test that it would not do for
+// a screen reader.
+#include "AccessibleDesktop.h"
+
 #include <QDate>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QImage>
 #include <QLocale>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QtEndian>
+#include <csignal>
 #include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
+
+// A step that failed ends the session there, instead of waiting out every later step.
+#define STEP(...)                                                                                                      \
+    do {                                                                                                               \
+        __VA_ARGS__;                                                                                                   \
+        if (QTest::currentTestFailed())                                                                                \
+            return;                                                                                                    \
+    } while (false)
 
 namespace {
 
@@ -31,6 +46,32 @@ void writeFile(const QString& path, qint64 size)
     f.write(QByteArray(size, 'x'));
 }
 
+// The whole screen from xwd's dump: a ZPixmap of three or four bytes a pixel, red, green and blue in the masks
+// Xvfb's 24-bit screen gives (0xff0000, 0xff00, 0xff).
+QImage fromXwd(const QByteArray& dump)
+{
+    const auto field = [&](int i) { return qFromBigEndian<quint32>(dump.constData() + 4 * i); };
+    if (dump.size() < 100 || field(2) != 2 || field(4) == 0)
+        return {};
+    const int width = int(field(4)), height = int(field(5)), bytesPerLine = int(field(12));
+    const int stride = bytesPerLine / width;
+    const bool lsbFirst = field(7) == 0;
+    const qsizetype start = qsizetype(field(0)) + qsizetype(field(19)) * 12;
+    if ((stride != 3 && stride != 4) || dump.size() < start + qsizetype(bytesPerLine) * height)
+        return {};
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        const auto* line = reinterpret_cast<const uchar*>(dump.constData() + start + qsizetype(y) * bytesPerLine);
+        auto* out = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            const uchar* p = line + stride * x;
+            const int lowest = lsbFirst ? 0 : stride - 1, step = lsbFirst ? 1 : -1;
+            out[x] = qRgb(p[lowest + 2 * step], p[lowest + step], p[lowest]);
+        }
+    }
+    return image;
+}
+
 } // namespace
 
 class TestEndToEnd : public QObject
@@ -40,7 +81,8 @@ class TestEndToEnd : public QObject
     QProcess m_xvfb, m_wm, m_app;
     QString m_display;
     QTemporaryDir m_tmp;
-    QString m_home, m_fixture, m_artifacts;
+    QString m_home, m_fixture, m_artifacts, m_busAddressFile;
+    AccessibleNode m_quillary;
 
     QProcessEnvironment xEnv() const
     {
@@ -57,27 +99,6 @@ class TestEndToEnd : public QObject
         QVERIFY(p.waitForFinished(10000));
     }
 
-    QString ask(const QString& command)
-    {
-        m_app.write(command.toUtf8() + '\n');
-        QElapsedTimer t;
-        t.start();
-        while (!m_app.canReadLine() && t.elapsed() < 10000)
-            m_app.waitForReadyRead(200);
-        return QString::fromUtf8(m_app.readLine()).chopped(1);
-    }
-
-    // The reply's text after "ok ", or an empty text with the error left in `error`.
-    QString value(const QString& command, QString* error = nullptr)
-    {
-        const QString reply = ask(command);
-        if (reply.startsWith(QLatin1String("ok ")))
-            return reply.mid(3);
-        if (error)
-            *error = reply;
-        return {};
-    }
-
     bool waitFor(const std::function<bool()>& done, int ms = 20000)
     {
         QElapsedTimer t;
@@ -90,53 +111,77 @@ class TestEndToEnd : public QObject
         return done();
     }
 
-    QString textOf(const QString& name) { return value(QStringLiteral("text ") + name); }
-
-    // In the middle of `rect`, or near its left edge where only the indicator and caption take clicks.
-    void clickAt(const QString& rect, bool nearLeft = false)
+    // A shown window of the program (a main window, a message box or an input box) by its title.
+    AccessibleNode window(const QString& title)
     {
-        const QStringList r = rect.split(QLatin1Char(' '));
-        QCOMPARE(r.size(), 4);
-        const int x = r[0].toInt() + (nearLeft ? 8 : r[2].toInt() / 2), y = r[1].toInt() + r[3].toInt() / 2;
-        xdo({QStringLiteral("mousemove"), QStringLiteral("--sync"), QString::number(x), QString::number(y)});
-        xdo({QStringLiteral("click"), QStringLiteral("1")});
+        for (const AccessibleNode& w : m_quillary.children()) {
+            if (w.name() == title && w.showing())
+                return w;
+        }
+        return {};
+    }
+
+    AccessibleNode waitForWindow(const QString& title)
+    {
+        AccessibleNode w;
+        waitFor([&] { return !(w = window(title)).isNull(); });
+        return w;
+    }
+
+    // The shown box whose message starts with `text`.
+    AccessibleNode box(const QString& text)
+    {
+        for (const AccessibleNode& w : m_quillary.children()) {
+            const QString role = w.role();
+            if ((role == QLatin1String("alert") || role == QLatin1String("dialog")) && w.showing() &&
+                !w.find([&](const AccessibleNode& n) {
+                      return n.role() == QLatin1String("label") && n.name().startsWith(text);
+                  }).isNull())
+                return w;
+        }
+        return {};
+    }
+
+    static AccessibleNode label(const AccessibleNode& in, const std::function<bool(const QString&)>& says)
+    {
+        return in.find([&](const AccessibleNode& n) {
+            return n.role() == QLatin1String("label") && n.showing() && says(n.name());
+        });
     }
 
     // Where a control is once it stays put: the window manager may still be placing a window just shown.
-    QString settledRect(const QString& command)
+    QRect settledPlace(const AccessibleNode& control)
     {
-        QString rect, before;
+        QRect place, before;
         waitFor([&] {
-            before = rect;
-            rect = value(command);
-            return !rect.isEmpty() && rect == before;
+            before = place;
+            place = control.extents();
+            return place.isValid() && place == before;
         });
-        return rect;
+        return place;
     }
 
-    void click(const QString& name, bool nearLeft = false)
+    // A click in the middle of the control, or near its left edge where only an option's mark and caption
+    // take clicks.
+    void click(const AccessibleNode& control, bool nearLeft = false)
     {
-        const QString rect = settledRect(QStringLiteral("geom ") + name);
-        QVERIFY2(!rect.isEmpty(), qPrintable(name));
-        clickAt(rect, nearLeft);
+        QVERIFY(!control.isNull());
+        const QRect r = settledPlace(control);
+        QVERIFY2(r.isValid(), qPrintable(control.name()));
+        const QPoint at(r.x() + (nearLeft ? 8 : r.width() / 2), r.y() + r.height() / 2);
+        xdo({QStringLiteral("mousemove"), QStringLiteral("--sync"), QString::number(at.x()), QString::number(at.y())});
+        xdo({QStringLiteral("click"), QStringLiteral("1")});
     }
 
     void answerBox(const QString& startsWith, const QString& button)
     {
-        QString box;
-        QVERIFY2(waitFor([&] {
-                     return (box = value(QStringLiteral("modal"))).section(QLatin1Char('|'), 1).startsWith(startsWith);
-                 }),
-                 qPrintable(QStringLiteral("waiting for a box \"%1\", have \"%2\"").arg(startsWith, box)));
-        const auto gone = [&] {
-            return value(QStringLiteral("modal")).section(QLatin1Char('|'), 1) != box.section(QLatin1Char('|'), 1);
-        };
+        AccessibleNode shown;
+        QVERIFY2(waitFor([&] { return !(shown = box(startsWith)).isNull(); }),
+                 qPrintable(QStringLiteral("waiting for a box \"%1\"").arg(startsWith)));
         // A click that lands while the box is still being placed misses it; then the box is clicked again.
         for (int attempt = 0; attempt < 4; ++attempt) {
-            const QString rect = settledRect(QStringLiteral("button ") + button);
-            QVERIFY(!rect.isEmpty());
-            clickAt(rect);
-            if (waitFor(gone, 3000))
+            click(shown.find(QStringLiteral("push button"), button));
+            if (waitFor([&] { return box(startsWith).isNull(); }, 3000))
                 return;
         }
         QFAIL(qPrintable(QStringLiteral("the box \"%1\" did not go").arg(startsWith)));
@@ -147,39 +192,85 @@ class TestEndToEnd : public QObject
         xdo({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("30"), text});
     }
 
+    void key(const QString& name) { xdo({QStringLiteral("key"), name}); }
+
     void shot(const QString& name)
     {
-        QCOMPARE(ask(QStringLiteral("shot ") + m_artifacts + QLatin1Char('/') + name), QStringLiteral("ok "));
+        const QString dumpFile = m_tmp.path() + QStringLiteral("/screen.xwd");
+        QProcess xwd;
+        xwd.start(tool("xwd"), {QStringLiteral("-root"), QStringLiteral("-silent"), QStringLiteral("-display"),
+                                m_display, QStringLiteral("-out"), dumpFile});
+        QVERIFY(xwd.waitForFinished(20000));
+        QFile dump(dumpFile);
+        QVERIFY(dump.open(QIODevice::ReadOnly));
+        const QByteArray bytes = dump.readAll();
+        const QImage screen = fromXwd(bytes);
+        QVERIFY2(!screen.isNull(), "xwd gave no picture of the screen");
+        QVERIFY(screen.save(m_artifacts + QLatin1Char('/') + name));
     }
 
-    void chooseFixture()
+    // Dir1 starts in the program's current folder, the fixture's parent: open that row and step down into it.
+    void chooseFixture(const AccessibleNode& browser)
     {
-        const QString rect = settledRect(QStringLiteral("treeitem Dir1 ") + m_fixture);
-        QVERIFY(!rect.isEmpty());
-        clickAt(rect);
-        QVERIFY2(waitFor([&] { return textOf(QStringLiteral("Label2")) == m_fixture; }),
-                 qPrintable(textOf(QStringLiteral("Label2"))));
+        const AccessibleNode tree = browser.find(QStringLiteral("tree"), QStringLiteral("Folders of the drive"));
+        QVERIFY(!tree.isNull());
+        const QString parent = QFileInfo(m_tmp.path()).fileName();
+        AccessibleNode row;
+        QVERIFY(waitFor([&] {
+            row = tree.find([&](const AccessibleNode& n) { return n.name() == parent && n.showing(); }, true);
+            return !row.isNull();
+        }));
+        click(row);
+        key(QStringLiteral("Right"));
+        QVERIFY(waitFor([&] {
+            return !tree.find([](const AccessibleNode& n) { return n.name() == QLatin1String("fixture"); }, true)
+                        .isNull();
+        }));
+        key(QStringLiteral("Down"));
+        QVERIFY2(waitFor([&] { return !label(browser, [&](const QString& s) { return s == m_fixture; }).isNull(); }),
+                 "the fixture folder was not chosen");
     }
 
-    void listAll()
+    void listAll(const AccessibleNode& browser)
     {
-        QVERIFY(waitFor([&] { return value(QStringLiteral("enabled List_Folders")) == QLatin1String("1"); }));
-        click(QStringLiteral("List_Folders"));
-        QVERIFY(waitFor([&] { return textOf(QStringLiteral("Label11")).startsWith(QLatin1String("Elapsed time: ")); }));
-        QVERIFY(QRegularExpression(QStringLiteral("^Elapsed time: [0-9.]+ sec$"))
-                    .match(textOf(QStringLiteral("Label11")))
-                    .hasMatch());
+        const AccessibleNode list =
+            browser.find(QStringLiteral("push button"), QStringLiteral("List All Folders & Files"));
+        QVERIFY(waitFor([&] { return list.enabled(); }));
+        click(list);
+        AccessibleNode timing;
+        QVERIFY(waitFor([&] {
+            return !(timing = label(browser, [](const QString& s) {
+                         return s.startsWith(QLatin1String("Elapsed time: "));
+                     })).isNull();
+        }));
+        QVERIFY2(QRegularExpression(QStringLiteral("^Elapsed time: [0-9.]+ sec$")).match(timing.name()).hasMatch(),
+                 qPrintable(timing.name()));
+    }
+
+    // The two options share the caption "Quillary"; their descriptions tell the versions apart.
+    static AccessibleNode versionOption(const AccessibleNode& options, const QString& version)
+    {
+        return options.find([&](const AccessibleNode& n) {
+            return n.role() == QLatin1String("radio button") && n.description().contains(version);
+        });
+    }
+
+    static bool shows(const AccessibleNode& browser, const QString& text)
+    {
+        return !label(browser, [&](const QString& s) { return s == text; }).isNull();
     }
 
 private slots:
     void initTestCase()
     {
-        if (tool("Xvfb").isEmpty() || tool("xdotool").isEmpty())
-            QSKIP("no X server here: Xvfb and xdotool are needed (make test installs them on Debian)");
+        for (const char* needed : {"Xvfb", "xdotool", "xwd", "dbus-run-session", "dbus-send"}) {
+            if (tool(needed).isEmpty())
+                QSKIP(qPrintable(QStringLiteral("%1 is not installed (make test installs it on Debian)")
+                                     .arg(QLatin1String(needed))));
+        }
         QVERIFY(m_tmp.isValid());
         m_artifacts = QStringLiteral(QUILLARY_ARTIFACTS);
         QDir().mkpath(m_artifacts);
-        ::chmod(QFile::encodeName(m_artifacts).constData(), 0777); // the program writes them as an ordinary user
 
         // Xvfb picks a free display and tells us which.
         m_xvfb.start(tool("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
@@ -193,12 +284,15 @@ private slots:
             QTest::qWait(500);
         }
 
-        // A home and a fixture the program may read and write as an ordinary user.
+        // A home, a fixture and a session folder the program may use as an ordinary user.
         ::chmod(QFile::encodeName(m_tmp.path()).constData(), 0755);
         m_home = m_tmp.path() + QStringLiteral("/home");
         m_fixture = m_tmp.path() + QStringLiteral("/fixture");
-        QDir().mkpath(m_home);
+        const QString session = m_home + QStringLiteral("/session");
+        QDir().mkpath(session);
         ::chmod(QFile::encodeName(m_home).constData(), 0777);
+        ::chmod(QFile::encodeName(session).constData(), 0777);
+        m_busAddressFile = session + QStringLiteral("/a11y-bus");
         writeFile(m_fixture + QStringLiteral("/A/a1.txt"), 1536);
         writeFile(m_fixture + QStringLiteral("/A/A1/deep.txt"), 10);
         writeFile(m_fixture + QStringLiteral("/B/b.txt"), 2560);
@@ -208,7 +302,7 @@ private slots:
     void cleanupTestCase()
     {
         if (m_app.state() != QProcess::NotRunning) {
-            m_app.kill();
+            ::kill(-pid_t(m_app.processId()), SIGKILL); // the session's bus and launcher too
             m_app.waitForFinished();
         }
         m_wm.kill();
@@ -219,8 +313,9 @@ private slots:
 
     void aWholeSession()
     {
-        // Started as an ordinary user, so the start-up question about administrator rights is asked.
-        QStringList command{QStringLiteral(QUILLARY_BIN)};
+        // Started as an ordinary user, so the start-up question about administrator rights is asked; in a
+        // session of its own whose accessibility is on.
+        QStringList command{QStringLiteral(QUILLARY_A11Y_SESSION), m_busAddressFile, QStringLiteral(QUILLARY_BIN)};
         if (::geteuid() == 0) {
             if (tool("setpriv").isEmpty())
                 QSKIP("running as root without setpriv: the start-up question would not be asked");
@@ -231,48 +326,59 @@ private slots:
         QProcessEnvironment env = xEnv();
         env.insert(QStringLiteral("HOME"), m_home);
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-        env.insert(QStringLiteral("QUILLARY_PROBE"), QStringLiteral("1"));
         env.insert(QStringLiteral("LANG"), QStringLiteral("C.UTF-8"));
         env.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
         env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+        env.remove(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
         m_app.setProcessEnvironment(env);
         m_app.setWorkingDirectory(m_tmp.path());
-        m_app.setProcessChannelMode(QProcess::SeparateChannels);
+        m_app.setChildProcessModifier([] { ::setpgid(0, 0); });
         m_app.start(command.first(), command.mid(1));
         QVERIFY(m_app.waitForStarted());
 
-        answerBox(QStringLiteral("Administrator privileges are required to run this application."),
-                  QStringLiteral("Yes"));
-        QVERIFY(waitFor([&] { return textOf(QStringLiteral("Label3")) == QLatin1String(" Running as User "); }));
-        shot(QStringLiteral("options.png"));
+        // The accessibility bus of the program's session, then the program on it.
+        QVERIFY2(waitFor([&] { return QFile::exists(m_busAddressFile); }), qPrintable(m_app.readAllStandardError()));
+        QFile address(m_busAddressFile);
+        QVERIFY(address.open(QIODevice::ReadOnly));
+        qputenv("AT_SPI_BUS_ADDRESS", address.readAll().trimmed());
+        QVERIFY2(
+            waitFor([&] { return !(m_quillary = AccessibleNode::application(QStringLiteral("Quillary"))).isNull(); }),
+            "Quillary did not show on the accessibility bus");
+
+        STEP(answerBox(QStringLiteral("Administrator privileges are required to run this application."),
+                       QStringLiteral("Yes")));
+        AccessibleNode options = waitForWindow(QStringLiteral("QUILLARY 4.50"));
+        QVERIFY(waitFor([&] { return shows(options, QStringLiteral(" Running as User ")); }));
+        STEP(shot(QStringLiteral("options.png")));
 
         // The Long window, on the fixture.
-        click(QStringLiteral("Option1_1"), true);
-        QVERIFY(waitFor([&] {
-            return value(QStringLiteral("windows")).contains(QLatin1String("LongBrowser|QUILLARY (Long Version)"));
-        }));
-        chooseFixture();
-        listAll();
-        QCOMPARE(textOf(QStringLiteral("Label1_0")), QStringLiteral("Total Folders: 3"));
-        QCOMPARE(textOf(QStringLiteral("Label1_3")), QStringLiteral("Total Files with path: 4"));
-        QCOMPARE(textOf(QStringLiteral("Label1_4")), QStringLiteral("Total Files: 4"));
-        QCOMPARE(value(QStringLiteral("rows MSFlexGrid2")), QStringLiteral("3"));
-        QCOMPARE(value(QStringLiteral("cell MSFlexGrid2 0")), QStringLiteral("A1 (0kB)"));
-        QCOMPARE(value(QStringLiteral("cell MSFlexGrid2 1")), QStringLiteral("A (2kB)"));
-        QCOMPARE(value(QStringLiteral("cell MSFlexGrid4 2")), QStringLiteral("r.txt"));
-        shot(QStringLiteral("long-browser.png"));
+        STEP(click(versionOption(options, QStringLiteral("Long")), true));
+        const AccessibleNode longBrowser = waitForWindow(QStringLiteral("QUILLARY (Long Version)"));
+        QVERIFY(!longBrowser.isNull());
+        STEP(chooseFixture(longBrowser));
+        STEP(listAll(longBrowser));
+        QVERIFY(shows(longBrowser, QStringLiteral("Total Folders: 3")));
+        QVERIFY(shows(longBrowser, QStringLiteral("Total Files with path: 4")));
+        QVERIFY(shows(longBrowser, QStringLiteral("Total Files: 4")));
+        const AccessibleNode names =
+            longBrowser.find(QStringLiteral("table"), QStringLiteral("Folder names with their sizes"));
+        QCOMPARE(names.rowCount(), 3);
+        QCOMPARE(names.cell(0), QStringLiteral("A1 (0kB)"));
+        QCOMPARE(names.cell(1), QStringLiteral("A (2kB)"));
+        QCOMPARE(longBrowser.find(QStringLiteral("table"), QStringLiteral("File names")).cell(2),
+                 QStringLiteral("r.txt"));
+        STEP(shot(QStringLiteral("long-browser.png")));
 
         // "Create Text Files" under a name: the four files, byte for byte.
-        const QString source = textOf(QStringLiteral("Label4_3"));
-        QVERIFY(!source.isEmpty());
-        click(QStringLiteral("CreateTextFiles"));
-        QString box;
-        QVERIFY(waitFor([&] {
-            return (box = value(QStringLiteral("modal"))).endsWith(QLatin1String("|Write a valid file name:"));
-        }));
+        const AccessibleNode drive =
+            label(longBrowser, [](const QString& s) { return s.endsWith(QLatin1String(" DRIVE ")); });
+        QVERIFY(!drive.isNull());
+        const QString source = drive.name();
+        STEP(click(longBrowser.find(QStringLiteral("push button"), QStringLiteral("Create Text Files"))));
+        QVERIFY(waitFor([&] { return !box(QStringLiteral("Write a valid file name:")).isNull(); }));
         typeText(QStringLiteral("e2e"));
-        xdo({QStringLiteral("key"), QStringLiteral("Return")});
-        answerBox(QStringLiteral("Following 4 Text Files created & saved successfully:"), QStringLiteral("OK"));
+        key(QStringLiteral("Return"));
+        STEP(answerBox(QStringLiteral("Following 4 Text Files created & saved successfully:"), QStringLiteral("OK")));
         const QByteArray f = QFile::encodeName(m_fixture);
         const QByteArray head =
             "Date: " + QLocale::c().toString(QDate::currentDate(), QStringLiteral("dd MMMM yyyy")).toUtf8() +
@@ -295,28 +401,33 @@ private slots:
         }
 
         // Search the file names.
-        click(QStringLiteral("Label9Com"));
-        click(QStringLiteral("srchFolder"));
+        STEP(click(longBrowser.find(QStringLiteral("push button"), QStringLiteral("Show/ Hide Search Section"))));
+        const AccessibleNode searchString = longBrowser.find(QStringLiteral("text"), QStringLiteral("Search string"));
+        QVERIFY(waitFor([&] { return searchString.showing(); }));
+        STEP(click(searchString));
         typeText(QStringLiteral("A1"));
-        click(QStringLiteral("SearchFiles"));
-        QVERIFY(waitFor([&] { return textOf(QStringLiteral("Label1_7")) == QLatin1String(" Files Found: 1 "); }));
-        QCOMPARE(value(QStringLiteral("cell List5 0")), QStringLiteral("# 00001. a1.txt"));
-        shot(QStringLiteral("long-browser-search.png"));
+        QVERIFY(waitFor([&] { return searchString.text() == QLatin1String("A1"); }));
+        STEP(click(longBrowser.find(QStringLiteral("push button"), QStringLiteral("Search Files"))));
+        QVERIFY(waitFor([&] { return shows(longBrowser, QStringLiteral(" Files Found: 1 ")); }));
+        QCOMPARE(longBrowser.find(QStringLiteral("list"), QStringLiteral("Search results")).cell(0),
+                 QStringLiteral("# 00001. a1.txt"));
+        STEP(shot(QStringLiteral("long-browser-search.png")));
 
         // Back to Options, then the Short window on the same folder.
-        click(QStringLiteral("Image6"));
-        QVERIFY(
-            waitFor([&] { return value(QStringLiteral("windows")).contains(QLatin1String("Options|QUILLARY 4.50")); }));
-        click(QStringLiteral("Option1_0"), true);
-        QVERIFY(waitFor([&] {
-            return value(QStringLiteral("windows")).contains(QLatin1String("ShortBrowser|QUILLARY (Short Version)"));
-        }));
-        chooseFixture();
-        listAll();
-        QCOMPARE(textOf(QStringLiteral("Label1_0")), QStringLiteral("Total Folders: 3"));
-        QCOMPARE(textOf(QStringLiteral("Label1_4")), QStringLiteral("Total Files: 4"));
-        QCOMPARE(value(QStringLiteral("cell List3 0")), m_fixture + QStringLiteral("/A/a1.txt"));
-        shot(QStringLiteral("short-browser.png"));
+        STEP(click(longBrowser.find(QStringLiteral("image"), QStringLiteral("Go to Option Selection Screen"))));
+        options = waitForWindow(QStringLiteral("QUILLARY 4.50"));
+        QVERIFY(!options.isNull());
+        QVERIFY(window(QStringLiteral("QUILLARY (Long Version)")).isNull());
+        STEP(click(versionOption(options, QStringLiteral("Short")), true));
+        const AccessibleNode shortBrowser = waitForWindow(QStringLiteral("QUILLARY (Short Version)"));
+        QVERIFY(!shortBrowser.isNull());
+        STEP(chooseFixture(shortBrowser));
+        STEP(listAll(shortBrowser));
+        QVERIFY(shows(shortBrowser, QStringLiteral("Total Folders: 3")));
+        QVERIFY(shows(shortBrowser, QStringLiteral("Total Files: 4")));
+        QCOMPARE(shortBrowser.find(QStringLiteral("list"), QStringLiteral("Files with their paths")).cell(0),
+                 m_fixture + QStringLiteral("/A/a1.txt"));
+        STEP(shot(QStringLiteral("short-browser.png")));
 
         // The close box ends the whole program, the hidden Long window included.
         if (tool("wmctrl").isEmpty())
