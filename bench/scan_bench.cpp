@@ -4,6 +4,8 @@
 // how long each step took and what the scan result costs per entry.
 #include "export/FileOps.h"
 #include "export/SaveFlow.h"
+#include "platform/InputService.h"
+#include "platform/MessageService.h"
 #include "scan/FolderWalk.h"
 
 #include <QCoreApplication>
@@ -13,11 +15,11 @@
 
 namespace {
 
-class QuietHost : public SaveHost
+class QuietAnswers : public MessageService, public InputService
 {
 public:
-    QString inputBox(const QString&) override { return QStringLiteral("bench"); }
-    Answer messageBox(const QString&, int) override { return Answer::Yes; }
+    QString inputBox(const QString&, const QString&, const QString&) override { return QStringLiteral("bench"); }
+    Answer message(const QString&, MessageStyle, const QString&) override { return Answer::Yes; }
 };
 
 } // namespace
@@ -42,9 +44,9 @@ int main(int argc, char** argv)
     const qint64 walkMs = clock.elapsed();
     const qint64 entries = result->folderCount() + result->fileCount();
 
-    QuietHost host;
+    QuietAnswers answers;
     SystemFileOps ops;
-    SaveFlow flow(host, ops, CollectionFolder(outDir));
+    SaveFlow flow(answers, answers, ops, CollectionFolder(outDir));
     SaveSources src;
     src.result = result.get();
     src.flavour = ScanResult::Flavour::Long;
@@ -53,7 +55,7 @@ int main(int argc, char** argv)
     const qint64 writeMs = clock.elapsed();
 
     std::printf("folders %lld files %lld\n", qint64(result->folderCount()), qint64(result->fileCount()));
-    std::printf("walk_ms %lld write_ms %lld (error %d)\n", walkMs, writeMs, outcome.error);
+    std::printf("walk_ms %lld write_ms %lld (error %d)\n", walkMs, writeMs, int(outcome.error));
     std::printf("bytes_per_entry_beyond_names %.1f (index %zu B, names %zu B, arena reserved %zu B)\n",
                 double(result->indexBytes()) / double(entries ? entries : 1), result->indexBytes(), result->nameBytes(),
                 result->memoryUsage() - result->indexBytes());

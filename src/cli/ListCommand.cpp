@@ -6,6 +6,8 @@
 #include "common/NumberText.h"
 #include "export/FileOps.h"
 #include "export/SaveFlow.h"
+#include "platform/InputService.h"
+#include "platform/MessageService.h"
 #include "scan/FolderWalk.h"
 #include "search/ListSearch.h"
 #include "volumes/DriveCaption.h"
@@ -54,20 +56,21 @@ void print(std::FILE* f, const QString& text)
     std::fputc('\n', f);
 }
 
-// Answers the save's questions from the command line: the name from --name, the replace question from --yes.
-class CommandLineHost : public SaveHost
+// Answers the save's questions from the command line: the name from --name, the replace question (the only
+// question a save asks) from --yes. Reports go to standard output, warnings and errors to standard error.
+class CommandLineAnswers : public MessageService, public InputService
 {
 public:
-    CommandLineHost(QString name, bool yes, std::FILE* out, std::FILE* err)
+    CommandLineAnswers(QString name, bool yes, std::FILE* out, std::FILE* err)
         : m_name(std::move(name)), m_yes(yes), m_out(out), m_err(err)
     {
     }
-    QString inputBox(const QString&) override { return m_name; }
-    Answer messageBox(const QString& text, int style) override
+    QString inputBox(const QString&, const QString&, const QString&) override { return m_name; }
+    Answer message(const QString& text, MessageStyle style, const QString&) override
     {
-        if (style == 19) // the replace question
+        if (style.asks())
             return m_yes ? Answer::Yes : Answer::No;
-        print(style == 64 ? m_out : m_err, text);
+        print(style.icon() == MessageStyle::Icon::Information ? m_out : m_err, text);
         return Answer::Ok;
     }
 
@@ -242,13 +245,13 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
     sources.driveCaption = DriveCaption::captionForPath(volumes, startText);
     sources.parentFolder = startText;
 
-    CommandLineHost host(name, yes, out, err);
+    CommandLineAnswers answers(name, yes, out, err);
     SystemFileOps ops;
-    SaveFlow flow(host, ops, collection);
+    SaveFlow flow(answers, answers, ops, collection);
     const SaveFlow::Outcome outcome = flow.run(SaveFlow::Kind::Set, sources);
     if (outcome.refused)
         return 1;
-    if (outcome.error != 0)
+    if (outcome.error != RuntimeError::None)
         return 3;
     return 0;
 }

@@ -3,6 +3,8 @@
 #include "TreeBuilder.h"
 #include "common/RuntimeError.h"
 #include "export/SaveFlow.h"
+#include "platform/InputService.h"
+#include "platform/MessageService.h"
 #include "scan/FolderWalk.h"
 
 #include <QDir>
@@ -11,7 +13,7 @@
 namespace {
 
 // Records every box and answers from a queue; the input box answers with `name`.
-class FakeHost : public SaveHost
+class FakeHost : public MessageService, public InputService
 {
 public:
     QString name;
@@ -20,18 +22,18 @@ public:
     QStringList labels;
     int inputs = 0;
 
-    QString inputBox(const QString& prompt) override
+    QString inputBox(const QString& prompt, const QString&, const QString&) override
     {
         ++inputs;
         boxes.append(QStringLiteral("input: ") + prompt);
         return name;
     }
-    Answer messageBox(const QString& text, int style) override
+    Answer message(const QString& text, MessageStyle style, const QString&) override
     {
-        boxes.append(QString::number(style) + QStringLiteral(": ") + text);
+        boxes.append(QString::number(style.classic()) + QStringLiteral(": ") + text);
         return answers.isEmpty() ? Answer::Ok : answers.takeFirst();
     }
-    void writingLabel(const QString& caption, bool visible) override
+    void writingLabel(const QString& caption, bool visible)
     {
         labels.append(caption + (visible ? QStringLiteral("|shown") : QStringLiteral("|hidden")));
     }
@@ -41,16 +43,19 @@ public:
 class FaultyOps : public SystemFileOps
 {
 public:
-    int ensureError = 0;
-    int probeError = 0;
+    RuntimeError::Number ensureError = RuntimeError::None;
+    RuntimeError::Number probeError = RuntimeError::None;
     QByteArray failWriteOf; // a file name part; writing that file fails with `writeError`
-    int writeError = RuntimeError::DiskFull;
+    RuntimeError::Number writeError = RuntimeError::DiskFull;
 
-    int ensureDirectory(const QByteArray& path) override
+    RuntimeError::Number ensureDirectory(const QByteArray& path) override
     {
         return ensureError ? ensureError : SystemFileOps::ensureDirectory(path);
     }
-    int probe(const QByteArray& path) override { return probeError ? probeError : SystemFileOps::probe(path); }
+    RuntimeError::Number probe(const QByteArray& path) override
+    {
+        return probeError ? probeError : SystemFileOps::probe(path);
+    }
     Pending prepare(const QByteArray& path, const std::function<bool(Output&)>& produce) override
     {
         if (!failWriteOf.isEmpty() && path.contains(failWriteOf))
@@ -88,7 +93,8 @@ class TestSaveFlow : public QObject
     SaveFlow::Outcome save(FakeHost& host, FileOps& ops, ScanResult::Flavour flavour = ScanResult::Flavour::Short,
                            SaveFlow::Kind kind = SaveFlow::Kind::Set)
     {
-        SaveFlow flow(host, ops, CollectionFolder(m_box));
+        SaveFlow flow(host, host, ops, CollectionFolder(m_box));
+        flow.setWritingLabel([&host](const QString& caption, bool visible) { host.writingLabel(caption, visible); });
         flow.setClock([] { return QDate(2009, 3, 5); });
         return flow.run(kind, sources(flavour));
     }
@@ -371,7 +377,7 @@ private slots:
 
         // A writer that gives up half-way leaves the old file as it was.
         QCOMPARE(ops.writeFile(box + "/f.txt", [](FileOps::Output& o) { return o.write("old", 3); }), 0);
-        const int error = ops.writeFile(box + "/f.txt", [](FileOps::Output& o) {
+        const RuntimeError::Number error = ops.writeFile(box + "/f.txt", [](FileOps::Output& o) {
             o.write("new and partial", 15);
             return false;
         });

@@ -73,8 +73,9 @@ private slots:
 
     void runtimeErrors()
     {
-        QCOMPARE(RuntimeError::unhandledText(76), QStringLiteral("Run-time error '76':\r\n\r\nPath not found"));
-        QCOMPARE(RuntimeError::description(55), QStringLiteral("File already open"));
+        QCOMPARE(RuntimeError::unhandledText(RuntimeError::PathNotFound),
+                 QStringLiteral("Run-time error '76':\r\n\r\nPath not found"));
+        QCOMPARE(RuntimeError::description(RuntimeError::FileAlreadyOpen), QStringLiteral("File already open"));
         QCOMPARE(RuntimeError::fromErrno(ENOENT), 53);
         QCOMPARE(RuntimeError::fromErrno(ENOENT, true), 76);
         QCOMPARE(RuntimeError::fromErrno(EACCES), 75);
@@ -86,26 +87,27 @@ private slots:
     void driveCaptions()
     {
         FixedVolumes v;
-        v.list = {{QStringLiteral("/"), QStringLiteral("system"), 2, true},
-                  {QStringLiteral("/media/stick"), QStringLiteral("Stick"), 1, true},
-                  {QStringLiteral("/media/cdrom"), QString(), 4, false},
-                  {QStringLiteral("/mnt/share"), QString(), 3, true},
-                  {QStringLiteral("/mnt/odd"), QString(), 9, true}};
+        v.list = {{QStringLiteral("/"), QStringLiteral("system"), DriveType::Fixed, true},
+                  {QStringLiteral("/media/stick"), QStringLiteral("Stick"), DriveType::Removable, true},
+                  {QStringLiteral("/media/cdrom"), QString(), DriveType::CdDvd, false},
+                  {QStringLiteral("/mnt/share"), QString(), DriveType::Network, true},
+                  {QStringLiteral("/mnt/odd"), QString(), DriveType(9), true}};
+        // As the window builds the caption of a drive text from its parts.
+        const auto windowCaption = [&v](const QString& driveText) {
+            return DriveCaption::caption(driveText, DriveCaption::driveTypeInfo(v.find(driveText).type),
+                                         DriveCaption::getDriveName(v, driveText));
+        };
         QCOMPARE(v.list[0].driveText(), QStringLiteral("/ [system]"));
         // A fixed disk: its drive text upper-cased, whatever its label.
-        QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/ [system]")),
-                 QStringLiteral(" / [SYSTEM]: HD DRIVE "));
+        QCOMPARE(windowCaption(QStringLiteral("/ [system]")), QStringLiteral(" / [SYSTEM]: HD DRIVE "));
         // A labelled removable stick is captioned as a CD/DVD volume.
-        QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/media/stick [Stick]")),
-                 QStringLiteral(" CD/ DVD Volume: STICK "));
-        QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/media/cdrom")),
-                 QStringLiteral(" CD/ DVD Volume: EMPTY "));
+        QCOMPARE(windowCaption(QStringLiteral("/media/stick [Stick]")), QStringLiteral(" CD/ DVD Volume: STICK "));
+        QCOMPARE(windowCaption(QStringLiteral("/media/cdrom")), QStringLiteral(" CD/ DVD Volume: EMPTY "));
         // Not fixed and no label: a hard drive.
-        QCOMPARE(DriveCaption::showDriveCaption(v, QStringLiteral("/mnt/share")),
-                 QStringLiteral(" /MNT/SHARE: HD DRIVE "));
+        QCOMPARE(windowCaption(QStringLiteral("/mnt/share")), QStringLiteral(" /MNT/SHARE: HD DRIVE "));
         QCOMPARE(DriveCaption::getDriveName(v, QStringLiteral("/nowhere")), QStringLiteral("EMPTY"));
-        QCOMPARE(DriveCaption::driveTypeInfo(4), QStringLiteral("CD/ DVD"));
-        QCOMPARE(DriveCaption::driveTypeInfo(9), QString());
+        QCOMPARE(DriveCaption::driveTypeInfo(DriveType::CdDvd), QStringLiteral("CD/ DVD"));
+        QCOMPARE(DriveCaption::driveTypeInfo(DriveType(9)), QString());
         QCOMPARE(DriveCaption::captionForPath(v, QStringLiteral("/home")), QStringLiteral(" / [SYSTEM]: HD DRIVE "));
     }
 };

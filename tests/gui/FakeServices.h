@@ -32,19 +32,19 @@ struct FakeMessages : MessageService
     struct Call
     {
         QString text;
-        int style;
+        int style; // the classic style number
         QString title;
     };
     QList<Call> calls;
     std::deque<Answer> answers;      // Yes for a question, Ok otherwise, when empty
     std::function<void()> onMessage; // runs while the box would be up
 
-    Answer message(const QString& text, int style, const QString& title) override
+    Answer message(const QString& text, MessageStyle style, const QString& title) override
     {
-        calls.append({text, style, title});
+        calls.append({text, style.classic(), title});
         if (onMessage)
             onMessage();
-        return takeFront(answers, (style & 7) == 4 || (style & 7) == 3 ? Answer::Yes : Answer::Ok);
+        return takeFront(answers, style.asks() ? Answer::Yes : Answer::Ok);
     }
     // Each box as "style|text", for comparing a whole exchange at once.
     QStringList texts() const
@@ -130,7 +130,7 @@ struct FakeCopyProgress : CopyProgressService
         asked.append(target);
         return takeFront(replies, ItemCopy::Reply::Yes);
     }
-    void problem(const QString& path, int) override { problems.append(path); }
+    void problem(const QString& path, RuntimeError::Number) override { problems.append(path); }
     void finish() override { ++finishes; }
 };
 

@@ -33,8 +33,9 @@ private slots:
     {
         QDir::setCurrent(m_fixed + u"/docs"_s);
         m_fakes.reset();
-        m_fakes.volumes.list = {
-            {m_fixed, u"System"_s, 2, true}, {m_stick, u"MyStick"_s, 1, true}, {m_cd, {}, 4, false}};
+        m_fakes.volumes.list = {{m_fixed, u"System"_s, DriveType::Fixed, true},
+                                {m_stick, u"MyStick"_s, DriveType::Removable, true},
+                                {m_cd, {}, DriveType::CdDvd, false}};
     }
 
     void loadAndFolderChange_data() { addFlavours(); }
@@ -135,7 +136,7 @@ private slots:
         QFETCH(bool, ready);
         QFETCH(QString, caption);
         QFETCH(QString, typeText);
-        const Volume v{m_fixed, label, typeCode, ready};
+        const Volume v{m_fixed, label, DriveType(typeCode), ready};
         m_fakes.volumes.list = {v};
         auto w = window(m_fakes, false);
         QCOMPARE(w->controls().Label4[3]->text(), caption.arg(v.driveText().toUpper()));

@@ -62,7 +62,7 @@ private slots:
         QFETCH(QString, text);
         QFETCH(int, value);
         QFETCH(int, error);
-        int got = -1;
+        auto got = RuntimeError::Number(-1);
         QCOMPARE(GoToCell::toLong(text, &got), value);
         QCOMPARE(got, error);
     }

@@ -25,7 +25,7 @@ class TestHostileWindows : public QObject
 private slots:
     void initTestCase()
     {
-        m_fakes.volumes.list = {{u"/"_s, QString(), 2, true}};
+        m_fakes.volumes.list = {{u"/"_s, QString(), DriveType::Fixed, true}};
         for (const QByteArray& n : {m_odd, QByteArray("line\nbreak"), QByteArray("-rf"), QByteArray(255, 'L')})
             m_tree.file("odd\xe9/" + n, 3);
         QCOMPARE(::symlink("..", m_tree.path("odd\xe9/loop").constData()), 0);

@@ -22,7 +22,7 @@ private:
     FakeServices m_fakes;
 
 private slots:
-    void initTestCase() { m_fakes.volumes.list = {{u"/"_s, u"System"_s, 2, true}}; }
+    void initTestCase() { m_fakes.volumes.list = {{u"/"_s, u"System"_s, DriveType::Fixed, true}}; }
     void init() { m_fakes.reset(); }
 
     void knownTree_data() { addFlavours(); }

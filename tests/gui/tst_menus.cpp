@@ -48,7 +48,7 @@ private:
 private slots:
     void initTestCase()
     {
-        m_fakes.volumes.list = {{u"/"_s, u"System"_s, 2, true}};
+        m_fakes.volumes.list = {{u"/"_s, u"System"_s, DriveType::Fixed, true}};
         // Folders (as listed): Alpha, Beta, Gamma; files: Alpha/one.txt, Beta/two.txt, Gamma/Three.txt.
         m_tree.file("Alpha/one.txt", 1024);
         m_tree.file("Beta/two.txt", 2048);

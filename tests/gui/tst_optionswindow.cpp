@@ -41,7 +41,7 @@ private slots:
     {
         m_fakes.reset();
         m_fakes.admin.admin = true;
-        m_fakes.volumes.list = {{m_home.path(), u"HOME"_s, 2, true}};
+        m_fakes.volumes.list = {{m_home.path(), u"HOME"_s, DriveType::Fixed, true}};
     }
 
     void startUp()

@@ -28,7 +28,7 @@ private:
 private slots:
     void initTestCase()
     {
-        m_fakes.volumes.list = {{u"/"_s, u"System"_s, 2, true}};
+        m_fakes.volumes.list = {{u"/"_s, u"System"_s, DriveType::Fixed, true}};
         m_tree.file("A/a1.txt", 2048);
         m_tree.file("A/A1/a2.txt");
         m_tree.file("B/b.txt", 10);

@@ -6,7 +6,7 @@
 
 namespace RuntimeError {
 
-QString description(int number)
+QString description(Number number)
 {
     switch (number) {
     case InvalidCall:
@@ -40,12 +40,12 @@ QString description(int number)
     }
 }
 
-QString unhandledText(int number)
+QString unhandledText(Number number)
 {
-    return QStringLiteral("Run-time error '%1':\r\n\r\n%2").arg(number).arg(description(number));
+    return QStringLiteral("Run-time error '%1':\r\n\r\n%2").arg(int(number)).arg(description(number));
 }
 
-int fromErrno(int err, bool parentMissing)
+Number fromErrno(int err, bool parentMissing)
 {
     switch (err) {
     case 0:

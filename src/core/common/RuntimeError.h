@@ -24,13 +24,13 @@ enum Number : int {
     InvalidArrayIndex = 381,
 };
 
-QString description(int number);
+QString description(Number number);
 
 // "Run-time error '76':" + two line breaks + the description: the text of the box shown before the program ends.
-QString unhandledText(int number);
+QString unhandledText(Number number);
 
 // Maps an errno value from a file operation to the nearest error number. `parentMissing` tells a missing
 // folder on the way (76) from a missing file (53), which POSIX both report as ENOENT.
-int fromErrno(int err, bool parentMissing = false);
+Number fromErrno(int err, bool parentMissing = false);
 
 } // namespace RuntimeError

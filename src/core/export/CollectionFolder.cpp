@@ -56,7 +56,7 @@ QByteArray CollectionFolder::native(const QString& displayPath)
     return NativeText::fromDisplay(displayPath);
 }
 
-int CollectionFolder::ensureExists(FileOps& ops) const
+RuntimeError::Number CollectionFolder::ensureExists(FileOps& ops) const
 {
     return ops.ensureDirectory(nativePath());
 }

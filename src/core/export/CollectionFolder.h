@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "common/RuntimeError.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -26,7 +28,7 @@ public:
     static QByteArray native(const QString& displayPath);
 
     // Creates the folder when nothing is there yet; the run-time error number, or 0.
-    int ensureExists(FileOps& ops) const;
+    RuntimeError::Number ensureExists(FileOps& ops) const;
 
 private:
     QString m_path;

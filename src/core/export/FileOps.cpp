@@ -19,10 +19,10 @@
 #include <unistd.h>
 #endif
 
-int FileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce)
+RuntimeError::Number FileOps::writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce)
 {
     Pending pending = prepare(path, produce);
-    return pending.error != 0 ? pending.error : commit(pending);
+    return pending.error != RuntimeError::None ? pending.error : commit(pending);
 }
 
 #ifndef _WIN32
@@ -93,17 +93,17 @@ mode_t creationMode()
 
 } // namespace
 
-int SystemFileOps::ensureDirectory(const QByteArray& path)
+RuntimeError::Number SystemFileOps::ensureDirectory(const QByteArray& path)
 {
     struct stat st;
     if (::stat((path + Separator).constData(), &st) == 0)
-        return 0;
+        return RuntimeError::None;
     if (::mkdir(path.constData(), 0777) == 0)
-        return 0;
+        return RuntimeError::None;
     return errorFor(errno, path);
 }
 
-int SystemFileOps::probe(const QByteArray& path)
+RuntimeError::Number SystemFileOps::probe(const QByteArray& path)
 {
     const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0)
@@ -111,12 +111,12 @@ int SystemFileOps::probe(const QByteArray& path)
     struct stat st;
     const bool dir = ::fstat(fd, &st) == 0 && S_ISDIR(st.st_mode);
     ::close(fd);
-    return dir ? int(RuntimeError::PathFileAccess) : 0; // a folder cannot be opened as a file
+    return dir ? RuntimeError::PathFileAccess : RuntimeError::None; // a folder cannot be opened as a file
 }
 
 FileOps::Pending SystemFileOps::prepare(const QByteArray& path, const std::function<bool(Output&)>& produce)
 {
-    Pending pending{path, {}, 0};
+    Pending pending{path, {}, RuntimeError::None};
     struct stat st;
     if (::stat(path.constData(), &st) == 0) {
         // What opening the file for output would refuse: a folder in the way, or a file we may not write.
@@ -142,16 +142,16 @@ FileOps::Pending SystemFileOps::prepare(const QByteArray& path, const std::funct
     }
     if (!ok) {
         ::unlink(temp.constData());
-        pending.error = err ? errorFor(err, path) : int(RuntimeError::DeviceIO);
+        pending.error = err ? errorFor(err, path) : RuntimeError::DeviceIO;
         return pending;
     }
     pending.temp = temp;
     return pending;
 }
 
-int SystemFileOps::commit(Pending& pending)
+RuntimeError::Number SystemFileOps::commit(Pending& pending)
 {
-    if (pending.error != 0)
+    if (pending.error != RuntimeError::None)
         return pending.error;
     if (::rename(pending.temp.constData(), pending.path.constData()) != 0) {
         const int err = errno;
@@ -159,7 +159,7 @@ int SystemFileOps::commit(Pending& pending)
         return errorFor(err, pending.path);
     }
     pending.temp.clear();
-    return 0;
+    return RuntimeError::None;
 }
 
 void SystemFileOps::discard(Pending& pending)
@@ -189,11 +189,11 @@ private:
     QIODevice& m_device;
 };
 
-int fromFileError(QFileDevice::FileError e, const QString& path)
+RuntimeError::Number fromFileError(QFileDevice::FileError e, const QString& path)
 {
     switch (e) {
     case QFileDevice::NoError:
-        return 0;
+        return RuntimeError::None;
     case QFileDevice::PermissionsError:
         return RuntimeError::PathFileAccess;
     case QFileDevice::ResourceError:
@@ -201,7 +201,7 @@ int fromFileError(QFileDevice::FileError e, const QString& path)
     case QFileDevice::OpenError:
         if (!QFileInfo(QFileInfo(path).path()).isDir())
             return RuntimeError::PathNotFound;
-        return QFileInfo::exists(path) ? int(RuntimeError::PathFileAccess) : int(RuntimeError::FileNotFound);
+        return QFileInfo::exists(path) ? RuntimeError::PathFileAccess : RuntimeError::FileNotFound;
     default:
         return RuntimeError::DeviceIO;
     }
@@ -209,28 +209,28 @@ int fromFileError(QFileDevice::FileError e, const QString& path)
 
 } // namespace
 
-int SystemFileOps::ensureDirectory(const QByteArray& path)
+RuntimeError::Number SystemFileOps::ensureDirectory(const QByteArray& path)
 {
     const QString p = toPath(path);
     if (QFileInfo::exists(p) || QDir().mkdir(p))
-        return 0;
-    return QFileInfo(QFileInfo(p).path()).isDir() ? int(RuntimeError::PathFileAccess) : int(RuntimeError::PathNotFound);
+        return RuntimeError::None;
+    return QFileInfo(QFileInfo(p).path()).isDir() ? RuntimeError::PathFileAccess : RuntimeError::PathNotFound;
 }
 
-int SystemFileOps::probe(const QByteArray& path)
+RuntimeError::Number SystemFileOps::probe(const QByteArray& path)
 {
     const QString p = toPath(path);
     if (QFileInfo(p).isDir())
         return RuntimeError::PathFileAccess;
     QFile f(p);
     if (f.open(QIODevice::ReadOnly))
-        return 0;
+        return RuntimeError::None;
     return fromFileError(f.error(), p);
 }
 
 FileOps::Pending SystemFileOps::prepare(const QByteArray& path, const std::function<bool(Output&)>& produce)
 {
-    Pending pending{path, {}, 0};
+    Pending pending{path, {}, RuntimeError::None};
     const QString p = toPath(path);
     if (QFileInfo(p).isDir()) {
         pending.error = RuntimeError::PathFileAccess;
@@ -248,16 +248,16 @@ FileOps::Pending SystemFileOps::prepare(const QByteArray& path, const std::funct
     f.close();
     if (!ok) {
         QFile::remove(f.fileName());
-        pending.error = e == QFileDevice::NoError ? int(RuntimeError::DeviceIO) : fromFileError(e, p);
+        pending.error = e == QFileDevice::NoError ? RuntimeError::DeviceIO : fromFileError(e, p);
         return pending;
     }
     pending.temp = QFile::encodeName(f.fileName());
     return pending;
 }
 
-int SystemFileOps::commit(Pending& pending)
+RuntimeError::Number SystemFileOps::commit(Pending& pending)
 {
-    if (pending.error != 0)
+    if (pending.error != RuntimeError::None)
         return pending.error;
     std::error_code ec;
     std::filesystem::rename(std::filesystem::u8path(pending.temp.toStdString()),
@@ -267,7 +267,7 @@ int SystemFileOps::commit(Pending& pending)
         return RuntimeError::PathFileAccess;
     }
     pending.temp.clear();
-    return 0;
+    return RuntimeError::None;
 }
 
 void SystemFileOps::discard(Pending& pending)

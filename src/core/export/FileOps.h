@@ -2,10 +2,12 @@
 
 #pragma once
 
+#include "common/RuntimeError.h"
+
 #include <QByteArray>
 #include <functional>
 
-// The file operations a listing save needs, each answering with a run-time error number (0 for success).
+// The file operations a listing save needs, each answering with a run-time error (None for success).
 // An interface so tests can put a failing disk or a locked file under the save flow.
 class FileOps
 {
@@ -21,38 +23,38 @@ public:
     };
 
     // Makes sure a folder exists at `path`; something already there under that name counts as present.
-    virtual int ensureDirectory(const QByteArray& path) = 0;
+    virtual RuntimeError::Number ensureDirectory(const QByteArray& path) = 0;
 
     // Opens `path` for reading and closes it again: 0 when it exists and can be read, 53 when it does not
     // exist, 76 when a folder on its way does not.
-    virtual int probe(const QByteArray& path) = 0;
+    virtual RuntimeError::Number probe(const QByteArray& path) = 0;
 
     // A file written beside its target, waiting to replace it.
     struct Pending
     {
         QByteArray path;
         QByteArray temp;
-        int error = 0; // what stopped the writing, or 0
+        RuntimeError::Number error = RuntimeError::None; // what stopped the writing
     };
 
     // Writes what `produce` gives into a new file beside `path`; `path` itself is not touched yet. May run on
     // several threads at once.
     virtual Pending prepare(const QByteArray& path, const std::function<bool(Output&)>& produce) = 0;
     // Puts a prepared file in place of its target, replacing any file there in one step.
-    virtual int commit(Pending& pending) = 0;
+    virtual RuntimeError::Number commit(Pending& pending) = 0;
     // Throws a prepared file away.
     virtual void discard(Pending& pending) = 0;
 
     // Writes `path` anew: a failure never leaves a half-written file where a good one stood.
-    int writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce);
+    RuntimeError::Number writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce);
 };
 
 class SystemFileOps : public FileOps
 {
 public:
-    int ensureDirectory(const QByteArray& path) override;
-    int probe(const QByteArray& path) override;
+    RuntimeError::Number ensureDirectory(const QByteArray& path) override;
+    RuntimeError::Number probe(const QByteArray& path) override;
     Pending prepare(const QByteArray& path, const std::function<bool(Output&)>& produce) override;
-    int commit(Pending& pending) override;
+    RuntimeError::Number commit(Pending& pending) override;
     void discard(Pending& pending) override;
 };

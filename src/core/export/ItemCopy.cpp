@@ -69,15 +69,15 @@ bool fileExists(const QByteArray& path)
     return ::lstat(path.constData(), &st) == 0 && !S_ISDIR(st.st_mode);
 }
 
-int removeFile(const QByteArray& path)
+RuntimeError::Number removeFile(const QByteArray& path)
 {
     struct stat st;
     if (::lstat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode))
         return RuntimeError::PathFileAccess;
-    return ::unlink(path.constData()) == 0 ? 0 : errorFor(errno, path);
+    return ::unlink(path.constData()) == 0 ? RuntimeError::None : errorFor(errno, path);
 }
 
-int copyFile(const QByteArray& source, const QByteArray& target)
+RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target)
 {
     struct stat st;
     if (::lstat(source.constData(), &st) != 0)
@@ -104,7 +104,7 @@ int copyFile(const QByteArray& source, const QByteArray& target)
             ::unlink(temp.constData());
             return errorFor(err, target);
         }
-        return 0;
+        return RuntimeError::None;
     }
     if (!S_ISREG(st.st_mode))
         return RuntimeError::PathFileAccess; // a pipe, socket or device has no content to copy
@@ -133,7 +133,7 @@ int copyFile(const QByteArray& source, const QByteArray& target)
         ::unlink(temp.constData());
         return errorFor(err, target);
     }
-    return 0;
+    return RuntimeError::None;
 }
 
 // The files of a folder copy, source and target, with the target's folders made already.
@@ -192,17 +192,17 @@ bool fileExists(const QByteArray& path)
     return info.exists() && !info.isDir();
 }
 
-int removeFile(const QByteArray& path)
+RuntimeError::Number removeFile(const QByteArray& path)
 {
     const QFileInfo info(QString::fromUtf8(path));
     if (!info.exists() && !info.isSymLink())
         return RuntimeError::FileNotFound;
     if (info.isDir())
         return RuntimeError::PathFileAccess;
-    return QFile::remove(info.filePath()) ? 0 : int(RuntimeError::PathFileAccess);
+    return QFile::remove(info.filePath()) ? RuntimeError::None : RuntimeError::PathFileAccess;
 }
 
-int copyFile(const QByteArray& source, const QByteArray& target)
+RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target)
 {
     const QString from = QString::fromUtf8(source), to = QString::fromUtf8(target);
     if (!QFileInfo::exists(from))
@@ -214,7 +214,7 @@ int copyFile(const QByteArray& source, const QByteArray& target)
     if (!QFile::copy(from, temp))
         return RuntimeError::PathFileAccess;
     QFile::remove(to);
-    return QFile::rename(temp, to) ? 0 : int(RuntimeError::PathFileAccess);
+    return QFile::rename(temp, to) ? RuntimeError::None : RuntimeError::PathFileAccess;
 }
 
 // The files of a folder copy, source and target, with the target's folders made already.
@@ -270,7 +270,7 @@ TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, co
             }
             replaceAll = reply == Reply::YesToAll;
         }
-        if (const int error = copyFile(f.from, f.to)) {
+        if (const RuntimeError::Number error = copyFile(f.from, f.to)) {
             ++outcome.skipped;
             if (cb.problem)
                 cb.problem(f.from, error);

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "common/RuntimeError.h"
+
 #include <QByteArray>
 #include <functional>
 
@@ -10,13 +12,13 @@
 namespace ItemCopy {
 
 // Copies one file to `target`, replacing a file already there; the run-time error number, or 0.
-int copyFile(const QByteArray& source, const QByteArray& target);
+RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target);
 
 // True when `path` names a file (not a folder) that exists.
 bool fileExists(const QByteArray& path);
 
 // Deletes the file `path`; the run-time error number, or 0.
-int removeFile(const QByteArray& path);
+RuntimeError::Number removeFile(const QByteArray& path);
 
 enum class Reply { Yes, YesToAll, No, Cancel };
 
@@ -28,7 +30,7 @@ struct TreeCallbacks
     // `done` of `total` files copied; `current` is being copied now. Returning false cancels.
     std::function<bool(qint64 done, qint64 total, const QByteArray& current)> progress;
     // Something could not be copied (with its run-time error number); the copy goes on with the rest.
-    std::function<void(const QByteArray& path, int error)> problem;
+    std::function<void(const QByteArray& path, RuntimeError::Number error)> problem;
 };
 
 struct TreeOutcome

@@ -20,7 +20,7 @@ QByteArray parentOf(const QByteArray& path)
 }
 
 #ifndef _WIN32
-int errorFor(int err, const QByteArray& path)
+RuntimeError::Number errorFor(int err, const QByteArray& path)
 {
     struct stat st;
     const bool parentIsFolder = ::stat(parentOf(path).constData(), &st) == 0 && S_ISDIR(st.st_mode);

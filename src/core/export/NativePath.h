@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "common/RuntimeError.h"
+
 #include <QByteArray>
 
 // Small helpers on native path bytes shared by the listing writer and the item copies.
@@ -19,7 +21,7 @@ QByteArray parentOf(const QByteArray& path);
 #ifndef _WIN32
 // The run-time error number for a failed file operation on `path`: a missing folder on the way (76) is told
 // from a missing file (53), which POSIX both report as ENOENT.
-int errorFor(int err, const QByteArray& path);
+RuntimeError::Number errorFor(int err, const QByteArray& path);
 #endif
 
 } // namespace NativePath

@@ -5,6 +5,8 @@
 #include "common/NumberText.h"
 #include "common/RuntimeError.h"
 #include "export/FileOps.h"
+#include "platform/InputService.h"
+#include "platform/MessageService.h"
 
 #include <QElapsedTimer>
 #include <algorithm>
@@ -23,32 +25,41 @@ QString countTitle(const char* prefix, qint64 count)
 
 } // namespace
 
-SaveFlow::SaveFlow(SaveHost& host, FileOps& ops, CollectionFolder folder)
-    : m_host(host), m_ops(ops), m_folder(std::move(folder)), m_today([] { return QDate::currentDate(); })
+SaveFlow::SaveFlow(MessageService& messages, InputService& input, FileOps& ops, CollectionFolder folder)
+    : m_messages(messages), m_input(input), m_ops(ops), m_folder(std::move(folder)),
+      m_today([] { return QDate::currentDate(); })
 {
 }
 
 Answer SaveFlow::askReplace(const QString& path)
 {
-    return m_host.messageBox(QStringLiteral("You are already having a file with the name ") + path +
-                                 QStringLiteral(" in the default folder.\r\n"
-                                                "Would you still like to save by and replace the original file?"),
-                             19);
+    return m_messages.message(QStringLiteral("You are already having a file with the name ") + path +
+                                  QStringLiteral(" in the default folder.\r\n"
+                                                 "Would you still like to save by and replace the original file?"),
+                              MessageStyle::YesNoCancelCritical);
 }
 
 // The one error handler of a save, looking at the number in a fixed order: a bad name gets its own box and
 // then the numbered box as well; an access error gets its advice; anything else its number and description.
-void SaveFlow::reportError(int error, Outcome& outcome)
+void SaveFlow::reportError(RuntimeError::Number error, Outcome& outcome)
 {
     outcome.error = error;
     if (error == RuntimeError::PathNotFound)
-        m_host.messageBox(QStringLiteral("Invalid file name, choose different file name."), 16);
+        m_messages.message(QStringLiteral("Invalid file name, choose different file name."), MessageStyle::Critical);
     if (error == RuntimeError::PathFileAccess) {
-        m_host.messageBox(
-            QStringLiteral("Change the SAVE Location. Access denied to Save in the application location."), 48);
+        m_messages.message(
+            QStringLiteral("Change the SAVE Location. Access denied to Save in the application location."),
+            MessageStyle::Exclamation);
         return;
     }
-    m_host.messageBox(QString::number(error) + QStringLiteral("\r\n") + RuntimeError::description(error), 0);
+    m_messages.message(QString::number(error) + QStringLiteral("\r\n") + RuntimeError::description(error),
+                       MessageStyle::Plain);
+}
+
+void SaveFlow::writingLabel(const QString& caption, bool visible)
+{
+    if (m_writingLabel)
+        m_writingLabel(caption, visible);
 }
 
 bool SaveFlow::writeAll(const std::vector<Planned>& files, Outcome& outcome)
@@ -80,8 +91,8 @@ bool SaveFlow::writeAll(const std::vector<Planned>& files, Outcome& outcome)
         t.join();
 
     for (std::size_t k = 0; k < files.size(); ++k) {
-        const int error = m_ops.commit(pending[k]);
-        if (error != 0) {
+        const RuntimeError::Number error = m_ops.commit(pending[k]);
+        if (error != RuntimeError::None) {
             for (std::size_t rest = k; rest < files.size(); ++rest)
                 m_ops.discard(pending[rest]);
             reportError(error, outcome);
@@ -98,7 +109,7 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
     const bool isLong = src.flavour == ScanResult::Flavour::Long;
     const bool isSet = kind == Kind::Set;
 
-    if (const int error = m_folder.ensureExists(m_ops)) {
+    if (const RuntimeError::Number error = m_folder.ensureExists(m_ops)) {
         reportError(error, outcome);
         return outcome;
     }
@@ -116,9 +127,9 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
     base.extraEmptyLine = !isLong;
 
     if (isSet && isLong)
-        m_host.writingLabel(QStringLiteral(" Writing files.. "), true);
+        writingLabel(QStringLiteral(" Writing files.. "), true);
 
-    const QString name = m_host.inputBox(namePrompt());
+    const QString name = m_input.inputBox(namePrompt());
     base.dateLine = ListingFile::dateLineFor(m_today());
 
     std::vector<Planned> plan;
@@ -158,12 +169,12 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
     bool allExist = true;
     int leftOpen = 0;
     for (const Planned* p : byNumber) {
-        const int error = m_ops.probe(CollectionFolder::native(p->path));
+        const RuntimeError::Number error = m_ops.probe(CollectionFolder::native(p->path));
         if (error == RuntimeError::FileNotFound) {
             allExist = false;
             break;
         }
-        if (error != 0) {
+        if (error != RuntimeError::None) {
             reportError(error, outcome);
             return outcome;
         }
@@ -173,10 +184,10 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
     const QString refusal = kind == Kind::SingleFiles ? FileRefusal : FolderRefusal;
     if (allExist) {
         if (askReplace(byNumber.front()->path) != Answer::Yes) {
-            m_host.messageBox(refusal, 48);
+            m_messages.message(refusal, MessageStyle::Exclamation);
             outcome.refused = true;
             if (isSet && isLong)
-                m_host.writingLabel(QString(), false);
+                writingLabel(QString(), false);
             return outcome;
         }
     } else if (leftOpen > 0) {
@@ -185,7 +196,7 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
             reportError(RuntimeError::FileAlreadyOpen, outcome);
             return outcome;
         }
-        m_host.messageBox(refusal, 48);
+        m_messages.message(refusal, MessageStyle::Exclamation);
         // The files are closed and the writing goes ahead all the same.
     }
 
@@ -195,8 +206,9 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
         return outcome;
 
     if (!isSet) {
-        m_host.messageBox(
-            QStringLiteral("Following Text File created & saved successfully:\t\t\r\n\r\n") + plan.front().path, 64);
+        m_messages.message(QStringLiteral("Following Text File created & saved successfully:\t\t\r\n\r\n") +
+                               plan.front().path,
+                           MessageStyle::Information);
         return outcome;
     }
     QString report = QStringLiteral("Following 4 Text Files created & saved successfully:\t\t\r\n\r\n") + plan[0].path +
@@ -204,12 +216,12 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
                      QStringLiteral("\r\n") + plan[2].path;
     if (isLong) {
         const QString caption = QLatin1Char(' ') + NumberText::seconds(clock.elapsed()) + QStringLiteral(" sec ");
-        m_host.writingLabel(caption, true);
+        writingLabel(caption, true);
         report += QStringLiteral("\r\n\r\nFiles created in: ") + caption;
-        m_host.messageBox(report, 64);
-        m_host.writingLabel(caption, false);
+        m_messages.message(report, MessageStyle::Information);
+        writingLabel(caption, false);
     } else {
-        m_host.messageBox(report, 64);
+        m_messages.message(report, MessageStyle::Information);
     }
     return outcome;
 }

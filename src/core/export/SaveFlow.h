@@ -3,6 +3,7 @@
 #pragma once
 
 #include "common/Answer.h"
+#include "common/RuntimeError.h"
 #include "export/CollectionFolder.h"
 #include "export/ListingWriter.h"
 
@@ -11,25 +12,8 @@
 #include <functional>
 
 class FileOps;
-
-// What a save asks the user and tells them. A window answers through its message and input boxes; the
-// headless lister answers from its options; tests answer from a queue.
-class SaveHost
-{
-public:
-    virtual ~SaveHost() = default;
-    // An input box with no title and an empty default; Cancel gives the empty text.
-    virtual QString inputBox(const QString& prompt) = 0;
-    // A message box with the program's title; `style` is the classic number (16 critical, 19 Yes/No/Cancel
-    // with critical, 48 exclamation, 64 information, 0 plain OK).
-    virtual Answer messageBox(const QString& text, int style) = 0;
-    // The Long window's writing label (" Writing files.. ", then the time taken); others ignore it.
-    virtual void writingLabel(const QString& caption, bool visible)
-    {
-        (void)caption;
-        (void)visible;
-    }
-};
+class InputService;
+class MessageService;
 
 // What a save writes from: the result lists of a window and the two header captions.
 struct SaveSources
@@ -41,7 +25,8 @@ struct SaveSources
 };
 
 // Saving listings: the set of four ("Create Text Files") and the single-list saves, with their questions,
-// refusals, reports and error boxes in the order users have always seen them.
+// refusals, reports and error boxes in the order users have always seen them. A window answers through its
+// message and input boxes; the headless lister answers from its options; tests answer from a queue.
 class SaveFlow
 {
 public:
@@ -49,12 +34,17 @@ public:
 
     struct Outcome
     {
-        QStringList written;  // full names of the files written, in the order written
-        int error = 0;        // the run-time error that stopped the save, or 0
-        bool refused = false; // the user declined to replace
+        QStringList written;                             // full names of the files written, in the order written
+        RuntimeError::Number error = RuntimeError::None; // what stopped the save
+        bool refused = false;                            // the user declined to replace
     };
 
-    SaveFlow(SaveHost& host, FileOps& ops, CollectionFolder folder = CollectionFolder());
+    SaveFlow(MessageService& messages, InputService& input, FileOps& ops, CollectionFolder folder = CollectionFolder());
+
+    // Where the grid window shows the writing of a set (" Writing files.. ", then the time taken); nowhere
+    // unless set.
+    using WritingLabel = std::function<void(const QString& caption, bool visible)>;
+    void setWritingLabel(WritingLabel show) { m_writingLabel = std::move(show); }
 
     // The day the Date line names; today unless a test says otherwise.
     void setClock(std::function<QDate()> today) { m_today = std::move(today); }
@@ -71,12 +61,15 @@ private:
         ListingFile file;
     };
 
-    void reportError(int error, Outcome& outcome);
+    void reportError(RuntimeError::Number error, Outcome& outcome);
+    void writingLabel(const QString& caption, bool visible);
     bool writeAll(const std::vector<Planned>& files, Outcome& outcome);
     Answer askReplace(const QString& path);
 
-    SaveHost& m_host;
+    MessageService& m_messages;
+    InputService& m_input;
     FileOps& m_ops;
     CollectionFolder m_folder;
     std::function<QDate()> m_today;
+    WritingLabel m_writingLabel;
 };

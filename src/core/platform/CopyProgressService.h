@@ -17,7 +17,7 @@ public:
     // A file of that name is already there: Yes, Yes to All, No or Cancel.
     virtual ItemCopy::Reply confirmReplace(const QString& target) = 0;
     // Something could not be copied; the copy goes on with the rest.
-    virtual void problem(const QString& path, int error) = 0;
+    virtual void problem(const QString& path, RuntimeError::Number error) = 0;
     // The copy is over: the window goes.
     virtual void finish() = 0;
 };

@@ -6,24 +6,23 @@
 
 namespace DriveCaption {
 
-QString driveTypeInfo(int code)
+QString driveTypeInfo(DriveType type)
 {
-    switch (code) {
-    case 0:
+    switch (type) {
+    case DriveType::Unknown:
         return QStringLiteral("Unknown");
-    case 1:
+    case DriveType::Removable:
         return QStringLiteral("Removable");
-    case 2:
+    case DriveType::Fixed:
         return QStringLiteral("Fixed");
-    case 3:
+    case DriveType::Network:
         return QStringLiteral("Network");
-    case 4:
+    case DriveType::CdDvd:
         return QStringLiteral("CD/ DVD");
-    case 5:
+    case DriveType::RamDisk:
         return QStringLiteral("RAM Disk");
-    default:
-        return {};
     }
+    return {}; // a code no drive type has
 }
 
 QString getDriveName(const VolumeService& volumes, const QString& driveText)
@@ -35,15 +34,10 @@ QString getDriveName(const VolumeService& volumes, const QString& driveText)
     return v.label;
 }
 
-QString showDriveCaption(const VolumeService& volumes, const QString& driveText)
-{
-    return caption(driveText, driveTypeInfo(volumes.find(driveText).typeCode), getDriveName(volumes, driveText));
-}
-
 QString captionForPath(const VolumeService& volumes, const QString& path)
 {
     const Volume v = volumes.volumeOf(path);
-    return caption(v.driveText(), driveTypeInfo(v.typeCode), v.ready ? v.label : QStringLiteral("EMPTY"));
+    return caption(v.driveText(), driveTypeInfo(v.type), v.ready ? v.label : QStringLiteral("EMPTY"));
 }
 
 QString caption(const QString& driveText, const QString& type, const QString& label)

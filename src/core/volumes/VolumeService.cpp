@@ -60,26 +60,26 @@ QString blockName(const QByteArray& device)
     return QFileInfo(QFileInfo(real).path()).fileName();
 }
 
-int typeCode(const QStorageInfo& info)
+DriveType driveType(const QStorageInfo& info)
 {
     const QByteArray fs = info.fileSystemType();
     if (fs == "tmpfs" || fs == "ramfs")
-        return 5;
+        return DriveType::RamDisk;
     if (fs == "nfs" || fs == "nfs4" || fs == "cifs" || fs == "smb3" || fs == "smbfs" || fs == "9p" || fs == "afs" ||
         fs == "fuse.sshfs" || fs == "fuse.rclone" || fs == "fuse.gvfsd-fuse" || fs == "ceph")
-        return 3;
+        return DriveType::Network;
     if (fs == "iso9660" || fs == "udf" || info.device().startsWith("/dev/sr"))
-        return 4;
+        return DriveType::CdDvd;
     const QString block = blockName(info.device());
     if (!block.isEmpty()) {
         QFile removable(QStringLiteral("/sys/block/") + block + QStringLiteral("/removable"));
         if (removable.open(QIODevice::ReadOnly) && removable.readAll().trimmed() == "1")
-            return 1;
-        return 2;
+            return DriveType::Removable;
+        return DriveType::Fixed;
     }
     if (info.device().startsWith("/dev/"))
-        return 2;
-    return 0;
+        return DriveType::Fixed;
+    return DriveType::Unknown;
 }
 
 Volume toVolume(const QStorageInfo& info)
@@ -88,7 +88,7 @@ Volume toVolume(const QStorageInfo& info)
     v.root = info.rootPath();
     v.ready = info.isValid() && info.isReady();
     v.label = v.ready ? info.name() : QString();
-    v.typeCode = typeCode(info);
+    v.type = driveType(info);
     return v;
 }
 

@@ -5,12 +5,15 @@
 #include <QList>
 #include <QString>
 
+// What kind of drive a volume is on, with the classic drive-type codes as values.
+enum class DriveType { Unknown = 0, Removable = 1, Fixed = 2, Network = 3, CdDvd = 4, RamDisk = 5 };
+
 // One mounted volume as the drive selector shows it.
 struct Volume
 {
-    QString root;      // mount point ("/", "/media/stick"); a drive root on Windows ("c:\")
-    QString label;     // the volume's own name; empty when it has none
-    int typeCode = 0;  // 0 Unknown, 1 Removable, 2 Fixed, 3 Network, 4 CD/DVD, 5 RAM Disk
+    QString root;  // mount point ("/", "/media/stick"); a drive root on Windows ("c:\")
+    QString label; // the volume's own name; empty when it has none
+    DriveType type = DriveType::Unknown;
     bool ready = true; // false when the medium cannot be read
 
     // The drive selector's text: the root, then " [label]" when the volume has a label.

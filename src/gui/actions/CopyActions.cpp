@@ -48,9 +48,9 @@ void CopyActions::copySelectedFile()
     QString report;
     if (ItemCopy::fileExists(target)) {
         const QString question = withName(collection.inText(flavour.replaceFileQuestion), name);
-        if (m_services.messages->message(question, 52) != Answer::Yes)
+        if (m_services.messages->message(question, MessageStyle::YesNoExclamation) != Answer::Yes)
             return;
-        if (const int error = ItemCopy::removeFile(target)) {
+        if (const RuntimeError::Number error = ItemCopy::removeFile(target)) {
             failUnhandled(m_services, error);
             return;
         }
@@ -60,11 +60,11 @@ void CopyActions::copySelectedFile()
         report =
             QStringLiteral("File ") + name + collection.inText(QStringLiteral(" saved successfully in C:\\QUILLBOX."));
     }
-    if (const int error = ItemCopy::copyFile(NativeText::fromDisplay(source), target)) {
+    if (const RuntimeError::Number error = ItemCopy::copyFile(NativeText::fromDisplay(source), target)) {
         failUnhandled(m_services, error);
         return;
     }
-    m_services.messages->message(report, 64);
+    m_services.messages->message(report, MessageStyle::Information);
 }
 
 void CopyActions::CopyFolders()
@@ -84,11 +84,14 @@ void CopyActions::CopyFolders()
     callbacks.progress = [&](qint64 done, qint64 total, const QByteArray& current) {
         return window.progress(done, total, NativeText::toDisplay(current));
     };
-    callbacks.problem = [&](const QByteArray& path, int error) { window.problem(NativeText::toDisplay(path), error); };
+    callbacks.problem = [&](const QByteArray& path, RuntimeError::Number error) {
+        window.problem(NativeText::toDisplay(path), error);
+    };
     ItemCopy::copyTree(NativeText::fromDisplay(source), collection.nativePath(), callbacks);
     window.finish();
 
     const ResultPanes& panes = m_window.panes();
     const QString folder = panes.text(2, panes.currentRow(2)).toUpper();
-    m_services.messages->message(withName(collection.inText(m_window.flavour().folderCopiedReport), folder), 64);
+    m_services.messages->message(withName(collection.inText(m_window.flavour().folderCopiedReport), folder),
+                                 MessageStyle::Information);
 }

@@ -27,7 +27,7 @@ GoToCell::GoToCell(const BrowserControls& ui, ResultPanes& panes, const Services
     }
 }
 
-qint32 GoToCell::toLong(const QString& text, int* error)
+qint32 GoToCell::toLong(const QString& text, RuntimeError::Number* error)
 {
     *error = RuntimeError::None;
     const QString trimmed = text.trimmed();
@@ -65,11 +65,11 @@ void GoToCell::GoToFile_Click()
 
 void GoToCell::goTo(const QLineEdit* box, int pane)
 {
-    int error = 0;
+    RuntimeError::Number error = RuntimeError::None;
     const qint32 number = toLong(box->text(), &error);
-    if (error == 0 && number == std::numeric_limits<qint32>::min())
+    if (error == RuntimeError::None && number == std::numeric_limits<qint32>::min())
         error = RuntimeError::Overflow; // number - 1
-    if (error != 0) {
+    if (error != RuntimeError::None) {
         failUnhandled(m_services, error);
         return;
     }
@@ -78,7 +78,7 @@ void GoToCell::goTo(const QLineEdit* box, int pane)
     if (row < 0 || row >= rows) {
         m_services.messages->message(QStringLiteral("You can enter cell number between 1 and ") +
                                          QString::number(rows) + QStringLiteral(" only."),
-                                     48);
+                                     MessageStyle::Exclamation);
         return;
     }
     QTableView* grid = m_ui.MSFlexGrid[pane];

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "browser/BrowserControls.h"
+#include "common/RuntimeError.h"
 #include "platform/Services.h"
 
 #include <QObject>
@@ -22,7 +23,7 @@ public:
 
     // A box's text as a whole number the way the number conversion reads it: blanks around it, a sign, a
     // fraction rounded half to even. `error` is 13 for no number, 6 for one beyond 32 bits, else 0.
-    static qint32 toLong(const QString& text, int* error);
+    static qint32 toLong(const QString& text, RuntimeError::Number* error);
 
     void GoToFolder_Click();
     void GoToFilePath_Click();

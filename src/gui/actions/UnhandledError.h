@@ -9,8 +9,8 @@
 
 // A run-time error that no handler traps: its box under the program's title, then the end of the program.
 // Callers return straight after, doing nothing more.
-inline void failUnhandled(const Services& services, int number)
+inline void failUnhandled(const Services& services, RuntimeError::Number number)
 {
-    services.messages->message(RuntimeError::unhandledText(number), 16);
+    services.messages->message(RuntimeError::unhandledText(number), MessageStyle::Critical);
     services.programEnd->end();
 }

@@ -570,16 +570,16 @@ void BrowserWindow::showBannerHideGoTo()
     m_ui.Frame5->hide();
 }
 
-int BrowserWindow::changeDrive(const QString& driveText)
+RuntimeError::Number BrowserWindow::changeDrive(const QString& driveText)
 {
     bool found = false;
     const Volume v = m_services.volumes->find(driveText, &found);
     if (!found || !v.ready)
         return RuntimeError::DeviceUnavailable;
-    return QDir::setCurrent(v.root) ? 0 : int(RuntimeError::DeviceUnavailable);
+    return QDir::setCurrent(v.root) ? RuntimeError::None : RuntimeError::DeviceUnavailable;
 }
 
-int BrowserWindow::setDir1PathToDrive(const QString& driveText)
+RuntimeError::Number BrowserWindow::setDir1PathToDrive(const QString& driveText)
 {
     bool found = false;
     const Volume v = m_services.volumes->find(driveText, &found);
@@ -590,14 +590,14 @@ int BrowserWindow::setDir1PathToDrive(const QString& driveText)
     m_dirModel->setRootPath(v.root);
     m_ui.Dir1->setRootIndex(m_dirModel->index(v.root));
     setDir1Path(v.root);
-    return 0;
+    return RuntimeError::None;
 }
 
 void BrowserWindow::Drive1_Change()
 {
     // Every step runs whatever the one before it did. A drive without a medium fails each step that touches
     // it, so the window ends with the tree hidden and the listing button disabled, and says nothing.
-    auto trap = [this](int error) {
+    auto trap = [this](RuntimeError::Number error) {
         if (error == RuntimeError::DeviceUnavailable) {
             m_ui.Dir1->hide();
             m_ui.List_Folders->setEnabled(false);
@@ -619,7 +619,7 @@ void BrowserWindow::Drive1_Change()
 
 QString BrowserWindow::DriveTypeInfo(const QString& sDrive) const
 {
-    return DriveCaption::driveTypeInfo(m_services.volumes->find(sDrive).typeCode);
+    return DriveCaption::driveTypeInfo(m_services.volumes->find(sDrive).type);
 }
 
 QString BrowserWindow::GetDriveName(const QString& driveLetter) const
@@ -642,8 +642,9 @@ void BrowserWindow::Command1_Click()
 {
     bool found = false;
     const Volume v = m_services.volumes->find(m_ui.Drive1->currentText(), &found);
-    m_services.messages->message(
-        QStringLiteral("The drive is of the type ") + DriveTypeInfo(found ? v.root : m_ui.Drive1->currentText()), 0);
+    m_services.messages->message(QStringLiteral("The drive is of the type ") +
+                                     DriveTypeInfo(found ? v.root : m_ui.Drive1->currentText()),
+                                 MessageStyle::Plain);
 }
 
 // --- Mode, toggle, pictures, exits ---------------------------------------------------------------------------
@@ -681,14 +682,14 @@ void BrowserWindow::Option1_Click()
     m_services.messages->message(
         QStringLiteral("By choosing this option, you can directly open any FILE/ FOLDER from\r\n"
                        "the generated FILE/ FOLDER lists item."),
-        64);
+        MessageStyle::Information);
 }
 
 void BrowserWindow::Option2_Click()
 {
     m_services.messages->message(QStringLiteral("By choosing this option, you can locate any FILE/ FOLDER by double\r\n"
                                                 "clicking the generated FILE/ FOLDER lists item."),
-                                 64);
+                                 MessageStyle::Information);
 }
 
 void BrowserWindow::Image2_Click()
@@ -707,7 +708,7 @@ void BrowserWindow::Image2_Click()
                                                 "Email: hello@quillary.example\r\n"
                                                 "\tWeb: https://www.quillary.example\r\n"
                                                 "Download the latest version from our website.\r\n"),
-                                 64);
+                                 MessageStyle::Information);
 }
 
 void BrowserWindow::playerFrame_Click()

@@ -4,6 +4,7 @@
 
 #include "BrowserControls.h"
 #include "BrowserFlavour.h"
+#include "common/RuntimeError.h"
 #include "platform/Services.h"
 
 #include <QPointer>
@@ -83,8 +84,8 @@ private:
     void resetResults();
     void clearPanes();
     void showBannerHideGoTo();
-    int changeDrive(const QString& driveText);
-    int setDir1PathToDrive(const QString& driveText);
+    RuntimeError::Number changeDrive(const QString& driveText);
+    RuntimeError::Number setDir1PathToDrive(const QString& driveText);
     void Label8_Click();
     void Option1_Click();
     void Option2_Click();

@@ -164,7 +164,7 @@ void ListingDriver::walked(std::shared_ptr<const ScanResult> result)
     if (m_flavour.fileNamesBeforeSelection)
         m_panes.fill(4);
     if (result->limitReached())
-        m_services.messages->message(ScanResult::limitMessage(), 16);
+        m_services.messages->message(ScanResult::limitMessage(), MessageStyle::Critical);
 
     // The first of these is always overwritten just below; it was never meant to stay.
     m_ui.Label1[2]->setText(QStringLiteral("Total Folders: ") + QString::number(m_panes.rowCount(4)));

@@ -15,31 +15,6 @@
 #include <QMouseEvent>
 #include <QPushButton>
 
-namespace {
-
-// The save flow's questions and reports through the window's own boxes, and its timing in Label12.
-class WindowSaveHost : public SaveHost
-{
-public:
-    WindowSaveHost(const Services& services, QLabel* label12) : m_services(services), m_label12(label12) {}
-
-    QString inputBox(const QString& prompt) override { return m_services.input->inputBox(prompt, {}, {}); }
-    Answer messageBox(const QString& text, int style) override { return m_services.messages->message(text, style); }
-    void writingLabel(const QString& caption, bool visible) override
-    {
-        if (!m_label12)
-            return;
-        m_label12->setText(caption);
-        m_label12->setVisible(visible);
-    }
-
-private:
-    const Services& m_services;
-    QLabel* m_label12;
-};
-
-} // namespace
-
 SaveActions::SaveActions(BrowserWindow& window, const Services& services)
     : QObject(&window), m_window(window), m_services(services)
 {
@@ -94,10 +69,15 @@ void SaveActions::save(SaveFlow::Kind kind)
 {
     const BrowserControls& ui = m_window.controls();
     const std::shared_ptr<const ScanResult> result = m_window.scanResult();
-    WindowSaveHost host(m_services, m_label12);
     SystemFileOps ops;
-    SaveFlow(host, ops, CollectionFolder())
-        .run(kind, SaveSources{result.get(), m_window.flavour().walk, ui.Label4[3]->text(), ui.Label2->text()});
+    SaveFlow flow(*m_services.messages, *m_services.input, ops, CollectionFolder());
+    // The save flow's timing of a set goes to Label12.
+    if (QLabel* label = m_label12)
+        flow.setWritingLabel([label](const QString& caption, bool visible) {
+            label->setText(caption);
+            label->setVisible(visible);
+        });
+    flow.run(kind, SaveSources{result.get(), m_window.flavour().walk, ui.Label4[3]->text(), ui.Label2->text()});
 }
 
 void SaveActions::Label4_Click(int Index)
@@ -108,7 +88,7 @@ void SaveActions::Label4_Click(int Index)
     const Answer answer = m_services.messages->message(QStringLiteral("Listed files are saved in the folder ") +
                                                            collection.pathWithSeparator() +
                                                            QStringLiteral(". Would you like to open this Folder?"),
-                                                       68);
+                                                       MessageStyle::YesNoInformation);
     if (answer == Answer::Yes)
         m_services.shell->open(collection.path());
 }

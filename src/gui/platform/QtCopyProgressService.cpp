@@ -56,7 +56,7 @@ ItemCopy::Reply QtCopyProgressService::confirmReplace(const QString& target)
     return ItemCopy::Reply::Cancel;
 }
 
-void QtCopyProgressService::problem(const QString& path, int error)
+void QtCopyProgressService::problem(const QString& path, RuntimeError::Number error)
 {
     QMessageBox::critical(m_dialog ? static_cast<QWidget*>(m_dialog) : QApplication::activeWindow(),
                           QStringLiteral("Error Copying File or Folder"),

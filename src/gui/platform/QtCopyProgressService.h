@@ -14,7 +14,7 @@ public:
     ~QtCopyProgressService() override;
     bool progress(qint64 done, qint64 total, const QString& current) override;
     ItemCopy::Reply confirmReplace(const QString& target) override;
-    void problem(const QString& path, int error) override;
+    void problem(const QString& path, RuntimeError::Number error) override;
     void finish() override;
 
 private:

@@ -7,7 +7,7 @@
 #include <QApplication>
 #include <QMessageBox>
 
-Answer QtMessageService::message(const QString& text, int style, const QString& title)
+Answer QtMessageService::message(const QString& text, MessageStyle style, const QString& title)
 {
     QMessageBox box(QApplication::activeWindow());
     box.setWindowTitle(title.isEmpty() ? QApplication::applicationDisplayName() : title);
@@ -16,34 +16,36 @@ Answer QtMessageService::message(const QString& text, int style, const QString& 
     shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     box.setText(shown);
 
-    switch (style & 0x70) {
-    case 16:
+    using Icon = MessageStyle::Icon;
+    using Buttons = MessageStyle::Buttons;
+    switch (style.icon()) {
+    case Icon::Critical:
         box.setIcon(QMessageBox::Critical);
         break;
-    case 32:
+    case Icon::Question:
         box.setIcon(QMessageBox::Question);
         break;
-    case 48:
+    case Icon::Exclamation:
         box.setIcon(QMessageBox::Warning);
         break;
-    case 64:
+    case Icon::Information:
         box.setIcon(QMessageBox::Information);
         break;
-    default:
+    case Icon::None:
         box.setIcon(QMessageBox::NoIcon);
         break;
     }
-    switch (style & 7) {
-    case 1:
+    switch (style.buttons()) {
+    case Buttons::OkCancel:
         box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
         break;
-    case 3:
+    case Buttons::YesNoCancel:
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         break;
-    case 4:
+    case Buttons::YesNo:
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
         break;
-    default:
+    case Buttons::Ok:
         box.setStandardButtons(QMessageBox::Ok);
         break;
     }

@@ -10,5 +10,5 @@ class QWidget;
 class QtMessageService : public MessageService
 {
 public:
-    Answer message(const QString& text, int style = 0, const QString& title = {}) override;
+    Answer message(const QString& text, MessageStyle style = MessageStyle::Plain, const QString& title = {}) override;
 };

@@ -150,7 +150,7 @@ bool OptionsWindow::Form_Load()
                        "rights have access to all system files.\r\n"
                        "\r\n"
                        "Would you still like to open the program as a 'User'?"),
-        36, QStringLiteral("Quillary " QUILLARY_VERSION));
+        MessageStyle::YesNoQuestion, QStringLiteral("Quillary " QUILLARY_VERSION));
     m_ui.Label3->setText(QStringLiteral(" Running as User "));
     if (answer == Answer::No) {
         m_services.programEnd->end();
@@ -180,14 +180,14 @@ void OptionsWindow::OptionSelect_Click()
 {
     // Whenever the button can be pressed no option is selected: an option opens its browser as soon as it is
     // clicked and is cleared again straight after.
-    m_services.messages->message(QStringLiteral("You have not selected any option."), 48);
+    m_services.messages->message(QStringLiteral("You have not selected any option."), MessageStyle::Exclamation);
 }
 
 void OptionsWindow::Image1_Click()
 {
     m_services.messages->message(QStringLiteral("Visit our website https://www.quillary.example for more.\r\n") +
                                      QString(13, QLatin1Char(' ')) + QStringLiteral("Email: hello@quillary.example"),
-                                 64);
+                                 MessageStyle::Information);
 }
 
 void OptionsWindow::closeEvent(QCloseEvent* event)
