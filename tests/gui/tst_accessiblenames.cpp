@@ -52,7 +52,7 @@ private slots:
         QDir().mkpath(m_home.path() + u"/disk"_s);
         QDir::setCurrent(m_home.path() + u"/disk"_s);
         m_fakes.admin.admin = true;
-        m_fakes.volumes.list = {{m_home.path(), u"HOME"_s, 2, true}};
+        m_fakes.volumes.list = {{m_home.path(), u"HOME"_s, DriveType::Fixed, true}};
     }
 
     void options()
