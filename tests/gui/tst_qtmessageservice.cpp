@@ -50,7 +50,7 @@ private slots:
                 box->button(QMessageBox::Yes)->click();
         });
         QtMessageService service;
-        const Answer given = service.message(QStringLiteral("Go on?"), style);
+        const Answer given = service.message(QStringLiteral("Go on?"), MessageStyle::fromClassic(style));
         QCOMPARE(stayedUp, staysUp);
         QCOMPARE(given, answer);
     }
