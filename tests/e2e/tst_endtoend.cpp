@@ -247,6 +247,28 @@ class TestEndToEnd : public QObject
                  qPrintable(timing.name()));
     }
 
+    // Whether every window whose title matches `titlePattern` (a regular expression, as xdotool takes it) carries
+    // the program's icon. The program offers its scalable icon in several sizes; openbox puts a single 48-pixel
+    // icon of its own on a window that has none.
+    bool carriesIcon(const QString& titlePattern)
+    {
+        QProcess search;
+        search.setProcessEnvironment(xEnv());
+        search.start(tool("xdotool"), {QStringLiteral("search"), QStringLiteral("--name"), titlePattern});
+        search.waitForFinished(10000);
+        const QStringList ids =
+            QString::fromLatin1(search.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (const QString& id : ids) {
+            QProcess xprop;
+            xprop.start(tool("xprop"), {QStringLiteral("-display"), m_display, QStringLiteral("-id"), id,
+                                        QStringLiteral("_NET_WM_ICON")});
+            xprop.waitForFinished(10000);
+            if (xprop.readAllStandardOutput().count("Icon (") < 2)
+                return false;
+        }
+        return !ids.isEmpty();
+    }
+
     // The two options share the caption "Quillary"; their descriptions tell the versions apart.
     static AccessibleNode versionOption(const AccessibleNode& options, const QString& version)
     {
@@ -263,7 +285,7 @@ class TestEndToEnd : public QObject
 private slots:
     void initTestCase()
     {
-        for (const char* needed : {"Xvfb", "xdotool", "xwd", "dbus-run-session", "dbus-send"}) {
+        for (const char* needed : {"Xvfb", "xdotool", "xwd", "xprop", "dbus-run-session", "dbus-send"}) {
             if (tool(needed).isEmpty())
                 QSKIP(qPrintable(QStringLiteral("%1 is not installed (make test installs it on Debian)")
                                      .arg(QLatin1String(needed))));
@@ -349,6 +371,7 @@ private slots:
                        QStringLiteral("Yes")));
         AccessibleNode options = waitForWindow(QStringLiteral("QUILLARY 4.50"));
         QVERIFY(waitFor([&] { return shows(options, QStringLiteral(" Running as User ")); }));
+        QVERIFY(carriesIcon(QStringLiteral("^QUILLARY 4.50$")));
         STEP(shot(QStringLiteral("options.png")));
 
         // The Long window, on the fixture.
@@ -367,6 +390,7 @@ private slots:
         QCOMPARE(names.cell(1), QStringLiteral("A (2kB)"));
         QCOMPARE(longBrowser.find(QStringLiteral("table"), QStringLiteral("File names")).cell(2),
                  QStringLiteral("r.txt"));
+        QVERIFY(carriesIcon(QStringLiteral("Long Version")));
         STEP(shot(QStringLiteral("long-browser.png")));
 
         // "Create Text Files" under a name: the four files, byte for byte.
