@@ -44,7 +44,8 @@ int main(int argc, char* argv[])
     // Past a file-size limit a write should fail ("Disk full"), not end the program half-way through a save.
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
-    // The launcher entry and the icon carry the application id, so the desktop matches the windows to both.
+    // The launcher entry and the icon carry the application id, so the desktop matches the windows to both (on
+    // Wayland by this name; on X11 by the window class "Quillary", which the launcher entry names too).
     QGuiApplication::setDesktopFileName(QStringLiteral(QUILLARY_APP_ID));
     QApplication::setWindowIcon(
         QIcon::fromTheme(QStringLiteral(QUILLARY_APP_ID), QIcon(QStringLiteral(":/icons/" QUILLARY_APP_ID ".svg"))));
