@@ -110,6 +110,9 @@ private slots:
         QCOMPARE(w->panes().currentRow(3), 2);
         QCOMPARE(ui.Label1[6]->text(), u"Selected: 3"_s);
         QCOMPARE(ui.Text2->text(), QFile::decodeName(m_tree.path("Gamma/Three.txt")));
+        // ... and the name it selects runs its own.
+        QCOMPARE(w->panes().currentRow(4), 2);
+        QCOMPARE(ui.Label1[2]->text(), u"Selected: 3"_s);
         closeMenus();
 
         clickRow(*w, 2, 0);

@@ -80,8 +80,6 @@ void ContextMenus::pane_MouseDown(int pane, Qt::MouseButton Button, float X, flo
     if (flavour.rightClickSelects) {
         // A point below the last entry answers 0, so the first entry is taken.
         panes.setCurrentRow(pane, idx);
-        if (flavour.selectingRunsClick)
-            panes.click(pane);
     }
     const BrowserControls& ui = m_window.controls();
     (pane == 2 ? ui.mnuPopUp2 : ui.mnuPopUp)->popup(globalPos);

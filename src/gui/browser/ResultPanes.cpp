@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -63,16 +64,11 @@ ResultPanes::ResultPanes(const BrowserFlavour& flavour, const BrowserControls& u
             m_list[n]->setModel(m_listModel[n]);
         }
     }
-    if (grids()) {
-        connect(m_grid[1], &ResultGrid::gridClicked, this, [this] { MSFlexGrid1_Click(); });
-        connect(m_grid[2], &ResultGrid::gridClicked, this, [this] { MSFlexGrid2_Click(); });
-        connect(m_grid[3], &ResultGrid::gridClicked, this, [this] { MSFlexGrid3_Click(); });
-        connect(m_grid[4], &ResultGrid::gridClicked, this, [this] { MSFlexGrid4_Click(); });
-    } else {
-        connect(m_list[1], &ResultList::listClicked, this, [this] { List1_Click(); });
-        connect(m_list[2], &ResultList::listClicked, this, [this] { List2_Click(); });
-        connect(m_list[3], &ResultList::listClicked, this, [this] { List3_Click(); });
-        connect(m_list[4], &ResultList::listClicked, this, [this] { List4_Click(); });
+    for (int n = 1; n <= 4; ++n) {
+        if (grids())
+            connect(m_grid[n], &ResultGrid::gridClicked, this, [this, n] { click(n); });
+        else
+            connect(m_list[n], &ResultList::listClicked, this, [this, n] { click(n); });
     }
 }
 
@@ -127,6 +123,8 @@ void ResultPanes::setCurrentRow(int pane, int row)
         m_grid[pane]->setRow(row);
     else
         m_list[pane]->setListIndex(row);
+    if (m_flavour.selectingRunsClick && !m_inClick[pane])
+        click(pane);
 }
 
 bool ResultPanes::isSelected(int pane, int row) const
@@ -158,7 +156,9 @@ void ResultPanes::click(int pane)
                                                &ResultPanes::MSFlexGrid4_Click};
     if (pane < 1 || pane > 4)
         return;
+    const bool running = std::exchange(m_inClick[pane], true);
     (this->*(grids() ? gridHandlers : lists)[pane])();
+    m_inClick[pane] = running;
 }
 
 // --- List boxes -------------------------------------------------------------------------------------------------
@@ -182,7 +182,7 @@ void ResultPanes::List3_Click()
     const int index = m_list[3]->listIndex();
     m_ui.Label1[6]->setText(selected(index));
     m_list[3]->setToolTip(m_list[3]->entry(index));
-    m_list[4]->setListIndex(index);
+    setCurrentRow(4, index);
     m_ui.Text2->setText(m_list[3]->entry(index));
 }
 
@@ -190,7 +190,8 @@ void ResultPanes::List4_Click()
 {
     // The order is kept on purpose: the name list is cleared first, and the path list then takes the entry the
     // name list still reports. List4 allows several selected entries, so its ListIndex is the entry with the
-    // focus and survives the clearing; the clicked name leaves no highlight of its own, its path shows it.
+    // focus and survives the clearing. Selecting the path runs the path list's click, which fills the path box
+    // and selects this name again; reached from that click instead (a path clicked), the name stays cleared.
     m_ui.Label1[2]->setText(selected(m_list[4]->listIndex()));
     if (const int count = m_list[4]->count(); count > 0) {
         const QAbstractItemModel* names = m_list[4]->model();
@@ -198,7 +199,7 @@ void ResultPanes::List4_Click()
                                             QItemSelectionModel::Deselect);
     }
     const int index = m_list[4]->listIndex();
-    m_list[3]->setListIndex(index);
+    setCurrentRow(3, index);
     m_list[4]->setToolTip(m_list[3]->entry(index));
 }
 

@@ -46,7 +46,9 @@ public:
     void selectFirst(int pane);
     // ListIndex of a list box, Row of a grid; -1 when there is none.
     int currentRow(int pane) const;
-    // Makes `row` current and selected, as setting ListIndex or Row does; the pane's click handler does not run.
+    // Makes `row` current and selected, as setting ListIndex or Row does. Setting a list box's ListIndex raises
+    // its Click, so in a flavour whose selecting runs the click the pane's handler runs too, unless it is the
+    // one already running (a list's handler that selects its partner is not run again by the partner's own).
     void setCurrentRow(int pane, int row);
     bool isSelected(int pane, int row) const;
     QString text(int pane, int row) const;
@@ -79,4 +81,5 @@ private:
     std::array<ResultListModel*, 5> m_listModel{};
     std::array<ResultGridModel*, 5> m_gridModel{};
     std::shared_ptr<const ScanResult> m_result;
+    std::array<bool, 5> m_inClick{};
 };

@@ -94,11 +94,8 @@ void SearchSection::List5_Click()
         failUnhandled(m_services, RuntimeError::InvalidArrayIndex);
         return;
     }
-    for (int pane : {first, first + 1}) {
+    for (int pane : {first, first + 1})
         m_panes.setCurrentRow(pane, row);
-        if (m_flavour.selectingRunsClick)
-            m_panes.click(pane);
-    }
     if (searchingFolders())
         m_ui.Text1->setText(m_actions.text(BrowserFlavour::ItemText::FolderPathAtNameRow));
     else
