@@ -3,8 +3,10 @@
 #include "BrowserTestKit.h"
 
 #include "browser/ResultList.h"
+#include "scan/ScanResultBuilder.h"
 
 #include <QApplication>
+#include <string>
 
 using namespace BrowserTestKit;
 
@@ -177,6 +179,33 @@ private slots:
         trigger(*w, u"LocateThisFile"_s, u"LocateThisFile"_s);
         QCOMPARE(m_fakes.shell.located, QStringList({longVersion ? beta : w->panes().text(2, 1), three}));
         QVERIFY(m_fakes.messages.calls.isEmpty());
+    }
+
+    // The serial-number message near the top of a long folder list: list boxes work it out in 16 bits, so past
+    // 32,767 it overflows (nothing traps it and the program ends); grids count on in 32 bits.
+    void serialNumber_sixteenBitInListBoxes_data()
+    {
+        QTest::addColumn<bool>("longVersion");
+        QTest::addColumn<int>("row");
+        QTest::addColumn<QString>("box");
+        QTest::newRow("Short, last 16-bit")
+            << false << 32766 << u"0|List Serial Number of the Selected Item is 32767"_s;
+        QTest::newRow("Short, past it") << false << 32767 << u"16|Run-time error '6':\r\n\r\nOverflow"_s;
+        QTest::newRow("Long, past it") << true << 32999 << u"0|List Serial Number of the Selected Item is 33000"_s;
+    }
+    void serialNumber_sixteenBitInListBoxes()
+    {
+        QFETCH(bool, longVersion);
+        QFETCH(int, row);
+        QFETCH(QString, box);
+        ScanResultBuilder b("/many");
+        for (int i = 0; i < 33000; ++i)
+            b.addFolder("d" + std::to_string(i), 0);
+        auto w = windowWith(m_fakes, longVersion, b.finish());
+        w->panes().setCurrentRow(2, row);
+        trigger(*w, u"ShowSerialNo2"_s, u"ShowSerialNo2"_s);
+        QCOMPARE(m_fakes.messages.texts(), QStringList{box});
+        QCOMPARE(m_fakes.programEnd.count, box.startsWith(u"16|"_s) ? 1 : 0);
     }
 
     void fileCopy_data() { addFlavours(); }

@@ -3,6 +3,7 @@
 #include "ContextMenus.h"
 
 #include "ItemActions.h"
+#include "UnhandledError.h"
 #include "browser/BrowserWindow.h"
 #include "browser/ResultPanes.h"
 #include "browser/SaveActions.h"
@@ -16,6 +17,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QTableView>
+#include <limits>
 
 ContextMenus::ContextMenus(BrowserWindow& window, const Services& services, SaveActions& saves)
     : QObject(&window), m_window(window), m_services(services), m_saves(saves), m_copies(window, services)
@@ -127,14 +129,25 @@ void ContextMenus::LocateThisFile()
 
 void ContextMenus::ShowSerialNo2()
 {
-    m_services.messages->message(QStringLiteral("List Serial Number of the Selected Item is ") +
-                                 QString::number(qint64(m_window.panes().currentRow(2)) + 1));
+    showSerialNumber(2);
 }
 
 void ContextMenus::ShowSerialNo()
 {
+    showSerialNumber(3);
+}
+
+void ContextMenus::showSerialNumber(int pane)
+{
+    // The folder list of a list box is not held to 32,767 entries as the file list is, but the number is still
+    // worked out in 16 bits: past the limit it overflows, and nothing traps it.
+    const qint64 serial = qint64(m_window.panes().currentRow(pane)) + 1;
+    if (m_window.flavour().sixteenBitPositions && serial > std::numeric_limits<qint16>::max()) {
+        failUnhandled(m_services, RuntimeError::Overflow);
+        return;
+    }
     m_services.messages->message(QStringLiteral("List Serial Number of the Selected Item is ") +
-                                 QString::number(qint64(m_window.panes().currentRow(3)) + 1));
+                                 QString::number(serial));
 }
 
 void ContextMenus::ShowFolderPath()

@@ -43,6 +43,7 @@ protected:
 
 private:
     QString partnerEntry(int partner, int selected) const;
+    void showSerialNumber(int pane);
     QString folderPath() const;
     QString fileName() const;
     void bind(QMenu* menu, const std::array<std::function<void()>, 6>& handlers);

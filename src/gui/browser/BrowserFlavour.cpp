@@ -113,6 +113,7 @@ const BrowserFlavour& BrowserFlavour::longBrowser()
         l.searchFolderText = ItemText::Text1;
         l.searchFileText = ItemText::Text2;
         l.selectingRunsClick = false;
+        l.sixteenBitPositions = false;
         l.folderMenuCaption = QStringLiteral("PopupMenu2");
         l.folderMenuNames = {QStringLiteral("OpenFolder"),
                              QStringLiteral("LocateThisFolder"),

@@ -58,6 +58,9 @@ struct BrowserFlavour
     ItemText searchFileText = ItemText::FilePathRow;
     // Setting a list box's ListIndex runs its click handler; setting a grid's Row does not.
     bool selectingRunsClick = true;
+    // List positions and counts of list boxes are 16-bit: a serial number past 32,767 overflows. A grid's
+    // are 32-bit.
+    bool sixteenBitPositions = true;
 
     QString folderMenuCaption;
     QStringList folderMenuNames;
