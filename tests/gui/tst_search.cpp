@@ -4,6 +4,7 @@
 
 #include "scan/ScanResultBuilder.h"
 
+#include <QComboBox>
 #include <QListView>
 
 using namespace BrowserTestKit;
@@ -105,6 +106,10 @@ private slots:
         QCOMPARE(ui.Text1->text(), u"/d/PHOTOGRAPHS"_s);
         // ShortBrowser's list boxes run their click handling when selected.
         QCOMPARE(ui.Label1[5]->text(), longVersion ? u"Selected: 1"_s : u"Selected: 4"_s);
+        // The arrow keys move the result list's selection and run its click as the mouse does.
+        QTest::keyClick(ui.List[5], Qt::Key_Up);
+        QCOMPARE(w->panes().currentRow(2), 1);
+        QCOMPARE(ui.Text1->text(), u"/d/My Photos"_s);
         ui.Option1->setChecked(true);
         clickResult(*w, 0, true);
         QCOMPARE(m_fakes.shell.opened, QStringList{u"/d/My Photos"_s});
@@ -127,6 +132,47 @@ private slots:
         QCOMPARE(m_fakes.shell.opened.last(), u"/d/ab.txt"_s);
         QVERIFY(ui.playerFrame->isHidden());
         QVERIFY(m_fakes.messages.calls.isEmpty());
+    }
+
+    // A drive or folder change takes the results and their count away, and puts the section away with its toggle,
+    // which stays disabled until the next listing; no old result is left to click into the emptied panes.
+    void emptiedByFolderOrDriveChange_data()
+    {
+        QTest::addColumn<bool>("longVersion");
+        QTest::addColumn<bool>("drive");
+        for (bool longVersion : {false, true}) {
+            QTest::addRow("%s, folder", longVersion ? "Long" : "Short") << longVersion << false;
+            QTest::addRow("%s, drive", longVersion ? "Long" : "Short") << longVersion << true;
+        }
+    }
+    void emptiedByFolderOrDriveChange()
+    {
+        QFETCH(bool, longVersion);
+        QFETCH(bool, drive);
+        m_fakes.volumes.list = {{u"/"_s, u"System"_s, DriveType::Fixed, true},
+                                {QDir::tempPath(), u"Temp"_s, DriveType::Fixed, true}};
+        auto w = listed(longVersion);
+        const BrowserControls& ui = w->controls();
+        search(*w, u"photo"_s, true);
+        QCOMPARE(lines(*w).size(), 2);
+
+        const QTemporaryDir other;
+        if (drive)
+            ui.Drive1->setCurrentIndex(ui.Drive1->currentIndex() == 0 ? 1 : 0);
+        else
+            w->setDir1Path(other.path());
+        QVERIFY(lines(*w).isEmpty());
+        QCOMPARE(ui.Label1[7]->text(), QString());
+        QVERIFY(ui.Frame1->isHidden() && !ui.Label9Com->isEnabled());
+        QTest::mouseClick(ui.List[5]->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+        QVERIFY(m_fakes.messages.calls.isEmpty());
+
+        ScanResultBuilder b("/e");
+        b.addFolder("photos", 1);
+        w->listResult(b.finish());
+        QTest::mouseClick(ui.Label9Com, Qt::LeftButton);
+        QVERIFY(ui.Frame1->isVisible());
+        QVERIFY(lines(*w).isEmpty());
     }
 
     // Serials are read back into 16 bits from five characters of the line.

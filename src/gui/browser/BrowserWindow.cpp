@@ -403,9 +403,9 @@ void BrowserWindow::buildSearchSection()
     m_ui.SearchFolders->setObjectName(QStringLiteral("SearchFolders"));
     m_ui.SearchFiles = new QPushButton(QStringLiteral("Search Files"), frame);
     m_ui.SearchFiles->setObjectName(QStringLiteral("SearchFiles"));
-    auto* list5 = new QListView(frame);
+    // A list box like the result lists: the arrow keys run its click as the mouse does.
+    auto* list5 = new ResultList(frame);
     list5->setObjectName(QStringLiteral("List5"));
-    list5->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_ui.List[5] = list5;
     m_ui.Label1[7] = makeLabel(frame, QStringLiteral("Label1_7"), QString());
     frame->hide();
@@ -540,6 +540,8 @@ void BrowserWindow::resetResults()
     m_ui.Label9Com->setEnabled(false);
     m_ui.Label11->setText(ExecutionTime);
     m_ui.List_Folders->setEnabled(true);
+    if (m_search)
+        m_search->reset();
 }
 
 void BrowserWindow::clearPanes()

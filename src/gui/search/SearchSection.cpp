@@ -5,6 +5,7 @@
 #include "SearchResultModel.h"
 #include "actions/ItemActions.h"
 #include "actions/UnhandledError.h"
+#include "browser/ResultList.h"
 #include "browser/ResultPanes.h"
 
 #include <QEvent>
@@ -18,19 +19,25 @@ SearchSection::SearchSection(const BrowserFlavour& flavour, const BrowserControl
                              ItemActions& actions, const Services& services, QObject* parent)
     : QObject(parent), m_flavour(flavour), m_ui(ui), m_panes(panes), m_actions(actions), m_services(services)
 {
-    QListView* list5 = m_ui.List[5];
+    auto* list5 = qobject_cast<ResultList*>(m_ui.List[5]);
+    Q_ASSERT(list5);
     m_model = new SearchResultModel(list5);
     list5->setModel(m_model);
-    list5->setUniformItemSizes(true);
-    list5->setSelectionMode(QAbstractItemView::SingleSelection);
     list5->setMouseTracking(true);
     list5->viewport()->installEventFilter(this);
 
     connect(m_ui.Label9Com, &QPushButton::clicked, this, [this] { Label9Com_Click(); });
     connect(m_ui.SearchFolders, &QPushButton::clicked, this, [this] { SearchFolders_Click(); });
     connect(m_ui.SearchFiles, &QPushButton::clicked, this, [this] { SearchFiles_Click(); });
-    connect(list5, &QAbstractItemView::clicked, this, [this] { List5_Click(); });
+    connect(list5, &ResultList::listClicked, this, [this] { List5_Click(); });
     connect(list5, &QAbstractItemView::doubleClicked, this, [this] { List5_DblClick(); });
+}
+
+void SearchSection::reset()
+{
+    m_model->clear();
+    m_ui.Label1[7]->setText(QString());
+    m_ui.Frame1->hide();
 }
 
 void SearchSection::Label9Com_Click()

@@ -28,6 +28,10 @@ public:
     bool searchingFolders() const { return m_kind == SearchResult::Kind::Folders; }
     SearchResultModel* model() const { return m_model; }
 
+    // A drive or folder change: no results, no count, and the section put away, since its toggle is disabled
+    // until the next listing.
+    void reset();
+
     void Label9Com_Click();
     void SearchFolders_Click();
     void SearchFiles_Click();
