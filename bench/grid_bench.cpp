@@ -5,7 +5,7 @@
 // row and paint it, and the memory the grids add beyond the scan result itself. Runs offscreen unless told
 // otherwise.
 #include "browser/BrowserWindow.h"
-#include "browser/ResultPanes.h"
+#include "panes/ResultPanes.h"
 #include "platform/SystemServices.h"
 #include "scan/ScanResultBuilder.h"
 

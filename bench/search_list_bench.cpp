@@ -30,14 +30,14 @@ int main(int argc, char** argv)
     BrowserWindow w(BrowserFlavour::longBrowser(), system.services(), nullptr);
     w.show();
     w.listResult(b.finish());
-    w.controls().Label9Com->click();
+    w.controls().navigation.Label9Com->click();
     QApplication::processEvents();
 
-    QListView* list5 = w.controls().List[5];
-    w.controls().srchFolder->setText(QStringLiteral("img_"));
+    QListView* list5 = w.controls().search.List5;
+    w.controls().search.srchFolder->setText(QStringLiteral("img_"));
     QElapsedTimer clock;
     clock.start();
-    w.controls().SearchFiles->click();
+    w.controls().search.SearchFiles->click();
     list5->viewport()->repaint();
     const qint64 filled = clock.elapsed();
     list5->scrollToBottom();

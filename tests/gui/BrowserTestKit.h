@@ -6,9 +6,9 @@
 #include "TreeBuilder.h"
 
 #include "browser/BrowserWindow.h"
-#include "browser/ClickableFrame.h"
-#include "browser/ClickableLabel.h"
-#include "browser/ResultPanes.h"
+#include "controls/ClickableFrame.h"
+#include "controls/ClickableLabel.h"
+#include "panes/ResultPanes.h"
 #include "scan/ScanResult.h"
 #include "search/SearchResultModel.h"
 #include "search/SearchSection.h"
@@ -74,7 +74,7 @@ inline std::unique_ptr<BrowserWindow> window(FakeServices& fakes, bool longVersi
 inline void scan(BrowserWindow& w)
 {
     QSignalSpy done(&w, &BrowserWindow::scanFinished);
-    QTest::mouseClick(w.controls().List_Folders, Qt::LeftButton);
+    QTest::mouseClick(w.controls().navigation.List_Folders, Qt::LeftButton);
     QVERIFY(done.wait(20000));
 }
 
@@ -97,7 +97,7 @@ inline std::unique_ptr<BrowserWindow> windowWith(FakeServices& fakes, bool longV
 
 inline QAbstractItemView* pane(const BrowserWindow& w, int n)
 {
-    return w.findChild<QAbstractItemView*>(w.flavour().paneName(n));
+    return w.findChild<QAbstractItemView*>(w.flavour().behaviour.paneName(n));
 }
 
 inline QPoint rowPoint(const BrowserWindow& w, int n, int row)

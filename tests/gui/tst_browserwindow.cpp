@@ -44,13 +44,13 @@ private slots:
         QFETCH(bool, longVersion);
         auto w = window(m_fakes, longVersion);
         const BrowserControls& ui = w->controls();
-        QCOMPARE(ui.Label2->text(), m_fixed + u"/docs"_s);
-        QCOMPARE(ui.Label4[3]->text(), u" "_s + (m_fixed + u" [System]"_s).toUpper() + u": HD DRIVE "_s);
+        QCOMPARE(ui.navigation.Label2->text(), m_fixed + u"/docs"_s);
+        QCOMPARE(ui.status.Label4[3]->text(), u" "_s + (m_fixed + u" [System]"_s).toUpper() + u": HD DRIVE "_s);
         QCOMPARE(w->driveText(), m_fixed + u" [System]"_s);
-        QVERIFY(!ui.CreateTextFiles->isEnabled() && !ui.Label9Com->isEnabled());
-        QVERIFY(ui.Option2->isChecked() && !w->openMode());
-        QVERIFY(ui.playerFrame->isHidden());
-        QCOMPARE(ui.Label10->text(),
+        QVERIFY(!ui.navigation.CreateTextFiles->isEnabled() && !ui.navigation.Label9Com->isEnabled());
+        QVERIFY(ui.mode.Option2->isChecked() && !w->openMode());
+        QVERIFY(ui.player.playerFrame->isHidden());
+        QCOMPARE(ui.mode.Label10->text(),
                  (longVersion ? u" "_s : QString()) + u"Set Option &  Double Click Folder or File to open"_s);
 
         // What a listing leaves behind, all of which a new folder choice clears.
@@ -61,23 +61,24 @@ private slots:
         for (int n = 1; n <= 4; ++n)
             QVERIFY(w->panes().rowCount(n) > 0);
         for (int i = 0; i <= 6; ++i)
-            ui.Label1[i]->setText(u"Selected: 1"_s);
-        ui.Text1->setText(u"a"_s);
-        ui.Text2->setText(u"b"_s);
-        QVERIFY(ui.CreateTextFiles->isEnabled() && !ui.List_Folders->isEnabled());
+            ui.status.Label1[i]->setText(u"Selected: 1"_s);
+        ui.paths.Text1->setText(u"a"_s);
+        ui.paths.Text2->setText(u"b"_s);
+        QVERIFY(ui.navigation.CreateTextFiles->isEnabled() && !ui.navigation.List_Folders->isEnabled());
 
         w->setDir1Path(m_fixed + u"/docs/a"_s);
-        QCOMPARE(ui.Label2->text(), m_fixed + u"/docs/a"_s);
+        QCOMPARE(ui.navigation.Label2->text(), m_fixed + u"/docs/a"_s);
         for (int n = 1; n <= 4; ++n)
             QCOMPARE(pane(*w, n)->model()->rowCount(), 0);
         for (int i = 0; i <= 6; ++i)
-            QCOMPARE(ui.Label1[i]->text(), QString());
-        QCOMPARE(ui.Text1->text(), QString());
-        QCOMPARE(ui.Text2->text(), QString());
-        QVERIFY(!ui.CreateTextFiles->isEnabled() && !ui.Label9Com->isEnabled() && ui.List_Folders->isEnabled());
-        QCOMPARE(ui.Label11->text(), u"Execution Time in msec"_s);
+            QCOMPARE(ui.status.Label1[i]->text(), QString());
+        QCOMPARE(ui.paths.Text1->text(), QString());
+        QCOMPARE(ui.paths.Text2->text(), QString());
+        QVERIFY(!ui.navigation.CreateTextFiles->isEnabled() && !ui.navigation.Label9Com->isEnabled() &&
+                ui.navigation.List_Folders->isEnabled());
+        QCOMPARE(ui.status.Label11->text(), u"Execution Time in msec"_s);
         if (longVersion)
-            QVERIFY(ui.Frame5->isHidden() && !ui.Image1->isHidden());
+            QVERIFY(ui.goTo.Frame5->isHidden() && !ui.goTo.Image1->isHidden());
     }
 
     void driveChange_data() { addFlavours(); }
@@ -86,22 +87,22 @@ private slots:
         QFETCH(bool, longVersion);
         auto w = window(m_fakes, longVersion);
         const BrowserControls& ui = w->controls();
-        QCOMPARE(ui.Drive1->count(), 3);
-        ui.Drive1->setCurrentIndex(1);
-        QCOMPARE(ui.Label2->text(), m_stick);
-        QCOMPARE(ui.Label4[3]->text(), u" CD/ DVD Volume: MYSTICK "_s);
-        QVERIFY(!ui.Dir1->isHidden() && ui.List_Folders->isEnabled());
+        QCOMPARE(ui.navigation.Drive1->count(), 3);
+        ui.navigation.Drive1->setCurrentIndex(1);
+        QCOMPARE(ui.navigation.Label2->text(), m_stick);
+        QCOMPARE(ui.status.Label4[3]->text(), u" CD/ DVD Volume: MYSTICK "_s);
+        QVERIFY(!ui.navigation.Dir1->isHidden() && ui.navigation.List_Folders->isEnabled());
 
         // No medium: the tree goes away and listing is impossible, silently; the folder stays the last one.
-        ui.Drive1->setCurrentIndex(2);
-        QVERIFY(ui.Dir1->isHidden() && !ui.List_Folders->isEnabled());
-        QCOMPARE(ui.Label4[3]->text(), u" CD/ DVD Volume: EMPTY "_s);
-        QCOMPARE(ui.Label2->text(), m_stick);
+        ui.navigation.Drive1->setCurrentIndex(2);
+        QVERIFY(ui.navigation.Dir1->isHidden() && !ui.navigation.List_Folders->isEnabled());
+        QCOMPARE(ui.status.Label4[3]->text(), u" CD/ DVD Volume: EMPTY "_s);
+        QCOMPARE(ui.navigation.Label2->text(), m_stick);
         QVERIFY(m_fakes.messages.calls.isEmpty());
 
-        ui.Drive1->setCurrentIndex(0);
-        QVERIFY(!ui.Dir1->isHidden() && ui.List_Folders->isEnabled());
-        QCOMPARE(ui.Label2->text(), m_fixed);
+        ui.navigation.Drive1->setCurrentIndex(0);
+        QVERIFY(!ui.navigation.Dir1->isHidden() && ui.navigation.List_Folders->isEnabled());
+        QCOMPARE(ui.navigation.Label2->text(), m_fixed);
     }
 
     // The caption for each kind of drive, and the type Command1 reports for it.
@@ -139,8 +140,8 @@ private slots:
         const Volume v{m_fixed, label, DriveType(typeCode), ready};
         m_fakes.volumes.list = {v};
         auto w = window(m_fakes, false);
-        QCOMPARE(w->controls().Label4[3]->text(), caption.arg(v.driveText().toUpper()));
-        w->controls().Command1->click();
+        QCOMPARE(w->controls().status.Label4[3]->text(), caption.arg(v.driveText().toUpper()));
+        w->controls().navigation.Command1->click();
         QCOMPARE(m_fakes.messages.texts(), QStringList{u"0|The drive is of the type "_s + typeText});
     }
 
@@ -151,35 +152,35 @@ private slots:
         auto w = window(m_fakes, longVersion);
         const BrowserControls& ui = w->controls();
         const int height = w->height();
-        QCOMPARE(ui.Label8->text(), u"Show File Names only"_s);
-        QTest::mouseClick(ui.Label8, Qt::LeftButton);
+        QCOMPARE(ui.paths.Label8->text(), u"Show File Names only"_s);
+        QTest::mouseClick(ui.paths.Label8, Qt::LeftButton);
         QCOMPARE(w->frameGeometry().width(), Twips::toPx(13560));
-        QCOMPARE(ui.Label8->text(), u"Hide File Names only"_s);
-        QTest::mouseClick(ui.Label8, Qt::LeftButton);
+        QCOMPARE(ui.paths.Label8->text(), u"Hide File Names only"_s);
+        QTest::mouseClick(ui.paths.Label8, Qt::LeftButton);
         QCOMPARE(w->frameGeometry().width(), Twips::toPx(10530));
-        QCOMPARE(ui.Label8->text(), u"Show File Names only"_s);
+        QCOMPARE(ui.paths.Label8->text(), u"Show File Names only"_s);
         QCOMPARE(w->height(), height);
 
         // Maximised, the toggle cannot change the width; back to normal, the design values return.
         w->showMaximized();
         QTRY_VERIFY(w->isMaximized());
-        QTRY_VERIFY(!ui.Label8->isEnabled());
+        QTRY_VERIFY(!ui.paths.Label8->isEnabled());
         w->showNormal();
-        QTRY_VERIFY(ui.Label8->isEnabled());
+        QTRY_VERIFY(ui.paths.Label8->isEnabled());
         QCOMPARE(pane(*w, 3)->width(), Twips::toPx(4800));
-        QCOMPARE(ui.Text1->width(), Twips::toPx(7740));
-        QCOMPARE(ui.playerFrame->x(), Twips::toPx(longVersion ? 30 : 165));
+        QCOMPARE(ui.paths.Text1->width(), Twips::toPx(7740));
+        QCOMPARE(ui.player.playerFrame->x(), Twips::toPx(longVersion ? 30 : 165));
     }
 
     void messagesAndExits()
     {
         auto w = window(m_fakes, false);
         const BrowserControls& ui = w->controls();
-        QTest::mouseClick(ui.Option1, Qt::LeftButton, {}, QPoint(6, 6));
+        QTest::mouseClick(ui.mode.Option1, Qt::LeftButton, {}, QPoint(6, 6));
         QVERIFY(w->openMode());
-        QTest::mouseClick(ui.Option2, Qt::LeftButton, {}, QPoint(6, 6));
+        QTest::mouseClick(ui.mode.Option2, Qt::LeftButton, {}, QPoint(6, 6));
         QVERIFY(!w->openMode());
-        QTest::mouseClick(ui.Image2, Qt::LeftButton);
+        QTest::mouseClick(ui.mode.Image2, Qt::LeftButton);
         QCOMPARE(m_fakes.messages.calls.size(), 3);
         QCOMPARE(m_fakes.messages.calls.at(0).text, u"By choosing this option, you can directly open any FILE/ FOLDER "
                                                     "from\r\nthe generated FILE/ FOLDER lists item."_s);
@@ -192,12 +193,12 @@ private slots:
             QVERIFY(call.style == 64 && call.title.isEmpty());
 
         // The emergency exit works only while the listing's wait text shows.
-        QTest::mouseDClick(ui.Label11, Qt::LeftButton);
-        ui.Label11->setText(u"Pl wait..."_s);
-        QTest::mouseDClick(ui.Label11, Qt::LeftButton);
+        QTest::mouseDClick(ui.status.Label11, Qt::LeftButton);
+        ui.status.Label11->setText(u"Pl wait..."_s);
+        QTest::mouseDClick(ui.status.Label11, Qt::LeftButton);
         QCOMPARE(m_fakes.programEnd.count, 0);
-        ui.Label11->setText(u" Pl wait... "_s);
-        QTest::mouseDClick(ui.Label11, Qt::LeftButton);
+        ui.status.Label11->setText(u" Pl wait... "_s);
+        QTest::mouseDClick(ui.status.Label11, Qt::LeftButton);
         QCOMPARE(m_fakes.programEnd.count, 1);
     }
 };

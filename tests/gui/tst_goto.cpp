@@ -71,41 +71,41 @@ private slots:
     {
         auto w = listed(250);
         const BrowserControls& ui = w->controls();
-        QVERIFY(ui.Frame5->isVisible());
+        QVERIFY(ui.goTo.Frame5->isVisible());
 
-        goTo(ui.Text3, ui.GoToFilePath, u"1"_s);
+        goTo(ui.goTo.Text3, ui.goTo.GoToFilePath, u"1"_s);
         QCOMPARE(w->panes().currentRow(3), 0);
         QCOMPARE(colour(*w, 3, 0), QColor(255, 0, 0));
-        QCOMPARE(ui.Text2->text(), u"/g/file1"_s);
-        QCOMPARE(ui.Label1[6]->text(), u"Selected: 1"_s);
+        QCOMPARE(ui.paths.Text2->text(), u"/g/file1"_s);
+        QCOMPARE(ui.status.Label1[6]->text(), u"Selected: 1"_s);
         QCOMPARE(w->panes().currentRow(4), 0);
 
-        goTo(ui.Text3, ui.GoToFilePath, u"250"_s);
+        goTo(ui.goTo.Text3, ui.goTo.GoToFilePath, u"250"_s);
         QCOMPARE(w->panes().currentRow(3), 249);
         QCOMPARE(colour(*w, 3, 249), QColor(255, 0, 0));
-        QCOMPARE(ui.Text2->text(), u"/g/file250"_s);
+        QCOMPARE(ui.paths.Text2->text(), u"/g/file250"_s);
         // The cell left behind loses its mark.
         QCOMPARE(colour(*w, 3, 0), QColor(0, 0, 0));
         QCOMPARE(colour(*w, 3, 0, Qt::BackgroundRole), QColor(255, 255, 255));
 
-        goTo(ui.Text3, ui.GoToFilePath, u" 7"_s);
+        goTo(ui.goTo.Text3, ui.goTo.GoToFilePath, u" 7"_s);
         QCOMPARE(w->panes().currentRow(3), 6);
-        QCOMPARE(ui.MSFlexGrid[3]->rowAt(0), 6); // the top visible row
+        QCOMPARE(ui.panes.MSFlexGrid[3]->rowAt(0), 6); // the top visible row
 
         for (const char* rejected : {"251", "0", "-5"}) {
             m_fakes.messages.calls.clear();
-            goTo(ui.Text3, ui.GoToFilePath, QLatin1String(rejected));
+            goTo(ui.goTo.Text3, ui.goTo.GoToFilePath, QLatin1String(rejected));
             QCOMPARE(m_fakes.messages.texts(), QStringList{u"48|You can enter cell number between 1 and 250 only."_s});
             QCOMPARE(w->panes().currentRow(3), 6);
         }
         QCOMPARE(m_fakes.programEnd.count, 0);
 
-        goTo(ui.Text4, ui.GoToFolder, u"2"_s);
+        goTo(ui.goTo.Text4, ui.goTo.GoToFolder, u"2"_s);
         QCOMPARE(w->panes().currentRow(2), 1);
         QCOMPARE(w->panes().currentRow(1), 1);
         QCOMPARE(colour(*w, 2, 1), QColor(255, 0, 0));
-        QCOMPARE(ui.Text1->text(), u"/g/two"_s);
-        goTo(ui.Text4, ui.GoToFolder, u"4"_s);
+        QCOMPARE(ui.paths.Text1->text(), u"/g/two"_s);
+        goTo(ui.goTo.Text4, ui.goTo.GoToFolder, u"4"_s);
         QCOMPARE(m_fakes.messages.calls.last().text, u"You can enter cell number between 1 and 3 only."_s);
     }
 
@@ -123,7 +123,7 @@ private slots:
         QFETCH(QString, text);
         QFETCH(QString, box);
         auto w = listed(10);
-        goTo(w->controls().Text5, w->controls().GoToFile, text);
+        goTo(w->controls().goTo.Text5, w->controls().goTo.GoToFile, text);
         QCOMPARE(m_fakes.messages.texts(), QStringList{u"16|"_s + box});
         QCOMPARE(m_fakes.programEnd.count, 1);
     }
@@ -132,23 +132,23 @@ private slots:
     {
         auto w = listed(0);
         const BrowserControls& ui = w->controls();
-        goTo(ui.Text5, ui.GoToFile, u"1"_s);
+        goTo(ui.goTo.Text5, ui.goTo.GoToFile, u"1"_s);
         QCOMPARE(m_fakes.messages.calls.size(), 1);
         QCOMPARE(m_fakes.messages.calls[0].text, u"You can enter cell number between 1 and 0 only."_s);
         QCOMPARE(w->frameGeometry().width(), Twips::toPx(13560));
-        QCOMPARE(ui.Label8->text(), u"Hide File Names only"_s);
+        QCOMPARE(ui.paths.Label8->text(), u"Hide File Names only"_s);
 
         // The file-path box leaves the window as it is.
-        QTest::mouseClick(ui.Label8, Qt::LeftButton);
-        goTo(ui.Text3, ui.GoToFilePath, u"1"_s);
-        QCOMPARE(ui.Label8->text(), u"Show File Names only"_s);
+        QTest::mouseClick(ui.paths.Label8, Qt::LeftButton);
+        goTo(ui.goTo.Text3, ui.goTo.GoToFilePath, u"1"_s);
+        QCOMPARE(ui.paths.Label8->text(), u"Show File Names only"_s);
 
         w->showMaximized();
         QTRY_VERIFY(w->isMaximized());
         const QSize size = w->size();
-        goTo(ui.Text5, ui.GoToFile, u"1"_s);
+        goTo(ui.goTo.Text5, ui.goTo.GoToFile, u"1"_s);
         QCOMPARE(w->size(), size);
-        QCOMPARE(ui.Label8->text(), u"Show File Names only"_s);
+        QCOMPARE(ui.paths.Label8->text(), u"Show File Names only"_s);
     }
 };
 

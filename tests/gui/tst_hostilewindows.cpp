@@ -64,9 +64,9 @@ private slots:
         const QByteArray oddPath = m_tree.path("odd\xe9/" + m_odd);
 
         // Open and locate hand the shell the name's own bytes.
-        w->controls().Option1->setChecked(true);
+        w->controls().mode.Option1->setChecked(true);
         doubleClickRow(*w, 3, oddRow);
-        w->controls().Option2->setChecked(true);
+        w->controls().mode.Option2->setChecked(true);
         doubleClickRow(*w, 3, oddRow);
         QCOMPARE(m_fakes.shell.opened.size(), 1);
         QCOMPARE(NativeText::fromDisplay(m_fakes.shell.opened.first()), oddPath);
@@ -82,7 +82,7 @@ private slots:
 
         // And written to a listing as it is.
         m_fakes.input.answers = {u"odd"_s};
-        QTest::mouseClick(w->controls().CreateTextFiles, Qt::LeftButton);
+        QTest::mouseClick(w->controls().navigation.CreateTextFiles, Qt::LeftButton);
         const QByteArray listing = read(collectionPath() + u"/Files List WithPath odd.txt"_s);
         QVERIFY(listing.contains("\r\n" + oddPath + "\r\n"));
         QVERIFY(listing.contains("\r\n" + m_tree.path("odd\xe9/line\nbreak") + "\r\n"));

@@ -27,7 +27,7 @@ private:
     }
     static void setOpen(BrowserWindow& w, bool open)
     {
-        (open ? w.controls().Option1 : w.controls().Option2)->setChecked(true);
+        (open ? w.controls().mode.Option1 : w.controls().mode.Option2)->setChecked(true);
     }
     static int fileRow(const BrowserWindow& w, const QString& name)
     {
@@ -100,13 +100,13 @@ private slots:
         const int row = fileRow(*w, name);
         QVERIFY(row >= 0);
         const QString path = w->panes().text(3, row);
-        QWidget* frame = w->controls().playerFrame;
+        QWidget* frame = w->controls().player.playerFrame;
 
         // A click on the name selects its path, whose click fills the path box: what opens or plays is the file
         // double-clicked, never the one selected before.
         setOpen(*w, true);
         doubleClickRow(*w, pane, row);
-        QCOMPARE(w->controls().Text2->text(), path);
+        QCOMPARE(w->controls().paths.Text2->text(), path);
         QCOMPARE(m_fakes.player.closes, 1);
         QCOMPARE(m_fakes.player.urls, media ? QStringList{path} : QStringList{});
         QCOMPARE(m_fakes.shell.opened, media ? QStringList{} : QStringList{path});
@@ -128,7 +128,7 @@ private slots:
         ItemActions& a = w->actions();
         setOpen(*w, true);
         // The key is the argument's, what plays is the path box's.
-        w->controls().Text2->setText(u"/elsewhere/film.avi"_s);
+        w->controls().paths.Text2->setText(u"/elsewhere/film.avi"_s);
         QCOMPARE(a.pathOfFilez(u"/m/tune.WAV"_s), QString());
         QCOMPARE(a.fileName(), u"/tune.WAV"_s);
         QCOMPARE(m_fakes.player.urls, QStringList{u"/elsewhere/film.avi"_s});
@@ -159,25 +159,25 @@ private slots:
         auto w = listed(longVersion);
         setOpen(*w, true);
         const int row = fileRow(*w, u"MYWAV"_s);
-        ClickableFrame* frame = w->controls().playerFrame;
+        ClickableFrame* frame = w->controls().player.playerFrame;
         doubleClickRow(*w, 3, row);
-        QTest::mouseClick(w->controls().WindowsMediaPlayer1, Qt::LeftButton);
+        QTest::mouseClick(w->controls().player.WindowsMediaPlayer1, Qt::LeftButton);
         QVERIFY(frame->isVisible());
         QTest::mouseClick(frame, Qt::LeftButton, {}, QPoint(2, frame->height() / 2));
         QVERIFY(frame->isHidden());
-        for (ClickableLabel* label : w->controls().clickToClose) {
+        for (ClickableLabel* label : w->controls().player.clickToClose) {
             doubleClickRow(*w, 3, row);
-            QVERIFY(w->controls().playerFrame->isVisible());
+            QVERIFY(w->controls().player.playerFrame->isVisible());
             const int before = m_fakes.player.closes;
             QTest::mouseClick(label, Qt::LeftButton);
             QCOMPARE(m_fakes.player.closes, before + 1);
-            QVERIFY(w->controls().playerFrame->isHidden());
+            QVERIFY(w->controls().player.playerFrame->isHidden());
         }
         doubleClickRow(*w, 3, row);
         const int before = m_fakes.player.closes;
         doubleClickRow(*w, 4, fileRow(*w, u"a.flac"_s));
         QCOMPARE(m_fakes.player.closes, before + 1);
-        QVERIFY(w->controls().playerFrame->isHidden());
+        QVERIFY(w->controls().player.playerFrame->isHidden());
     }
 };
 

@@ -41,14 +41,14 @@ private slots:
         w->setDir1Path(r);
 
         QSignalSpy done(w.get(), &BrowserWindow::scanFinished);
-        QTest::mouseClick(ui.List_Folders, Qt::LeftButton);
+        QTest::mouseClick(ui.navigation.List_Folders, Qt::LeftButton);
         // Walking: the window waits and takes no input but the way out.
-        QCOMPARE(ui.Label11->text(), u" Pl wait... "_s);
-        QCOMPARE(ui.Label11->palette().color(QPalette::Window), QColor(255, 128, 128));
+        QCOMPARE(ui.status.Label11->text(), u" Pl wait... "_s);
+        QCOMPARE(ui.status.Label11->palette().color(QPalette::Window), QColor(255, 128, 128));
         QVERIFY(w->findChild<QLabel*>(u"scanProgress"_s)->isVisible());
         QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
-        QTest::mouseClick(ui.Option1, Qt::LeftButton);
-        QVERIFY(!ui.Option1->isChecked());
+        QTest::mouseClick(ui.mode.Option1, Qt::LeftButton);
+        QVERIFY(!ui.mode.Option1->isChecked());
         QVERIFY(m_fakes.messages.calls.isEmpty());
         QVERIFY(done.wait(20000));
 
@@ -58,27 +58,29 @@ private slots:
         QCOMPARE(entries(*w, 2), QStringList({u"A1 (0kB)"_s, u"A (2kB)"_s, u"B (0kB)"_s, u"C (0kB)"_s}));
         QCOMPARE(entries(*w, 3), filePaths);
         QCOMPARE(entries(*w, 4), QStringList({u"a1.txt"_s, u"x.bin"_s, u"r.txt"_s, u"b.txt"_s}));
-        QCOMPARE(ui.Label1[0]->text(), u"Total Folders: 4"_s);
-        QCOMPARE(ui.Label1[3]->text(), u"Total Files with path: 4"_s);
-        QCOMPARE(ui.Label1[4]->text(), u"Total Files: 4"_s);
+        QCOMPARE(ui.status.Label1[0]->text(), u"Total Folders: 4"_s);
+        QCOMPARE(ui.status.Label1[3]->text(), u"Total Files with path: 4"_s);
+        QCOMPARE(ui.status.Label1[4]->text(), u"Total Files: 4"_s);
         for (int selection : {1, 5, 6, 2})
-            QCOMPARE(ui.Label1[selection]->text(), u"Selected: 1"_s);
-        QVERIFY(ui.Label11->text().startsWith(u"Elapsed time: "_s) && ui.Label11->text().endsWith(u" sec"_s));
-        QCOMPARE(ui.Label11->palette().color(QPalette::Window), QApplication::palette().color(QPalette::Button));
+            QCOMPARE(ui.status.Label1[selection]->text(), u"Selected: 1"_s);
+        QVERIFY(ui.status.Label11->text().startsWith(u"Elapsed time: "_s) &&
+                ui.status.Label11->text().endsWith(u" sec"_s));
+        QCOMPARE(ui.status.Label11->palette().color(QPalette::Window), QApplication::palette().color(QPalette::Button));
         QVERIFY(!w->findChild<QLabel*>(u"scanProgress"_s)->isVisible());
         QVERIFY(!QApplication::overrideCursor());
-        QVERIFY(!ui.List_Folders->isEnabled() && ui.CreateTextFiles->isEnabled() && ui.Label9Com->isEnabled());
+        QVERIFY(!ui.navigation.List_Folders->isEnabled() && ui.navigation.CreateTextFiles->isEnabled() &&
+                ui.navigation.Label9Com->isEnabled());
         QCOMPARE(w->scanResult()->fileCount(), 4);
         // The first entries are selected; ShortBrowser's names came after the selection and have none.
         for (int n = 1; n <= 3; ++n)
             QCOMPARE(selectedRow(*w, n), 0);
         QCOMPARE(selectedRow(*w, 4), longVersion ? 0 : -1);
         if (longVersion) {
-            QTableView* grid = ui.MSFlexGrid[3];
+            QTableView* grid = ui.panes.MSFlexGrid[3];
             QVERIFY(grid->horizontalHeader()->isHidden() && grid->verticalHeader()->isHidden());
             QCOMPARE(grid->columnWidth(0), Twips::toPx(10000));
             QCOMPARE(grid->horizontalScrollBar()->maximum(), grid->columnWidth(0) - grid->viewport()->width());
-            QVERIFY(ui.Image1->isHidden() && !ui.Frame5->isHidden());
+            QVERIFY(ui.goTo.Image1->isHidden() && !ui.goTo.Frame5->isHidden());
         }
     }
 
@@ -108,13 +110,13 @@ private slots:
         QCOMPARE(w->panes().rowCount(3), files);
         QCOMPARE(w->panes().rowCount(4), files);
         for (int i : {0, 1, 5})
-            QCOMPARE(ui.Label1[i]->text(), QString());
-        QCOMPARE(ui.Label1[6]->text(), longVersion ? u"Selected: 1"_s : QString::number(files));
-        QCOMPARE(ui.Label1[3]->text(), u"Total Files with path: "_s + QString::number(files));
-        QCOMPARE(ui.Label1[4]->text(), u"Total Files: "_s + QString::number(files));
+            QCOMPARE(ui.status.Label1[i]->text(), QString());
+        QCOMPARE(ui.status.Label1[6]->text(), longVersion ? u"Selected: 1"_s : QString::number(files));
+        QCOMPARE(ui.status.Label1[3]->text(), u"Total Files with path: "_s + QString::number(files));
+        QCOMPARE(ui.status.Label1[4]->text(), u"Total Files: "_s + QString::number(files));
         // A list box takes no selection from an entry added after the selecting; a grid always has a current row.
         QCOMPARE(selectedRow(*w, 1), longVersion ? 0 : -1);
-        QVERIFY(ui.CreateTextFiles->isEnabled());
+        QVERIFY(ui.navigation.CreateTextFiles->isEnabled());
     }
 
     void shortLimit()
@@ -131,22 +133,22 @@ private slots:
         w->setDir1Path(QFile::decodeName(t.path("S")));
         w->setDir1Path(QFile::decodeName(t.root()));
         QString shownBehind;
-        m_fakes.messages.onMessage = [&] { shownBehind = ui.Label11->text(); };
+        m_fakes.messages.onMessage = [&] { shownBehind = ui.status.Label11->text(); };
         scan(*w);
         QCOMPARE(m_fakes.messages.texts(), QStringList{u"16|"_s + ScanResult::limitMessage()});
         QCOMPARE(m_fakes.messages.calls[0].title, QString());
         QCOMPARE(shownBehind, u" Pl wait... "_s);
         QCOMPARE(w->panes().rowCount(3), ScanResult::ShortFileLimit);
         QCOMPARE(w->panes().rowCount(4), ScanResult::ShortFileLimit);
-        QCOMPARE(ui.Label1[3]->text(), u"Total Files with path: 32767"_s);
+        QCOMPARE(ui.status.Label1[3]->text(), u"Total Files with path: 32767"_s);
         // The limit struck in S's files, before S itself was done: no folder was completed.
         QCOMPARE(entries(*w, 1), QStringList{u"NO FOLDER FOUND"_s});
-        QCOMPARE(ui.Label1[6]->text(), u"32767"_s);
-        QVERIFY(ui.Label11->text().startsWith(u"Elapsed time: "_s));
+        QCOMPARE(ui.status.Label1[6]->text(), u"32767"_s);
+        QVERIFY(ui.status.Label11->text().startsWith(u"Elapsed time: "_s));
         QCOMPARE(m_fakes.programEnd.count, 0);
         // Still usable: a click goes through.
         clickRow(*w, 3, 2);
-        QCOMPARE(ui.Label1[6]->text(), u"Selected: 3"_s);
+        QCOMPARE(ui.status.Label1[6]->text(), u"Selected: 3"_s);
     }
 
     // The 40th name selects the 40th path, and which boxes and labels each pane's click fills. Selecting a list
@@ -166,9 +168,9 @@ private slots:
         const QString path40 = QFile::decodeName(t.path("S/f39"));
 
         clickRow(*w, 4, 39);
-        QCOMPARE(ui.Label1[2]->text(), u"Selected: 40"_s);
-        QCOMPARE(ui.Label1[6]->text(), longVersion ? u"Selected: 1"_s : u"Selected: 40"_s);
-        QCOMPARE(ui.Text2->text(), path40);
+        QCOMPARE(ui.status.Label1[2]->text(), u"Selected: 40"_s);
+        QCOMPARE(ui.status.Label1[6]->text(), longVersion ? u"Selected: 1"_s : u"Selected: 40"_s);
+        QCOMPARE(ui.paths.Text2->text(), path40);
         QCOMPARE(w->panes().currentRow(3), 39);
         QCOMPARE(selectedRow(*w, 3), 39);
         QCOMPARE(selectedRow(*w, 4), 39);
@@ -181,31 +183,31 @@ private slots:
         }
 
         clickRow(*w, 3, 5);
-        QCOMPARE(ui.Label1[6]->text(), u"Selected: 6"_s);
-        QCOMPARE(ui.Label1[2]->text(), longVersion ? u"Selected: 40"_s : u"Selected: 6"_s);
+        QCOMPARE(ui.status.Label1[6]->text(), u"Selected: 6"_s);
+        QCOMPARE(ui.status.Label1[2]->text(), longVersion ? u"Selected: 40"_s : u"Selected: 6"_s);
         QCOMPARE(w->panes().currentRow(4), 5);
         QCOMPARE(selectedRow(*w, 4), longVersion ? 5 : -1);
-        QCOMPARE(ui.Text2->text(), QFile::decodeName(t.path("S/f05")));
+        QCOMPARE(ui.paths.Text2->text(), QFile::decodeName(t.path("S/f05")));
         if (!longVersion) {
-            QCOMPARE(pane(*w, 3)->toolTip(), ui.Text2->text());
+            QCOMPARE(pane(*w, 3)->toolTip(), ui.paths.Text2->text());
             QTest::keyClick(pane(*w, 3), Qt::Key_Down);
-            QCOMPARE(ui.Label1[6]->text(), u"Selected: 7"_s);
-            QCOMPARE(ui.Label1[2]->text(), u"Selected: 7"_s);
-            QCOMPARE(ui.Text2->text(), QFile::decodeName(t.path("S/f06")));
+            QCOMPARE(ui.status.Label1[6]->text(), u"Selected: 7"_s);
+            QCOMPARE(ui.status.Label1[2]->text(), u"Selected: 7"_s);
+            QCOMPARE(ui.paths.Text2->text(), QFile::decodeName(t.path("S/f06")));
         }
 
         // Folders: S, T/U, T. The name list's path box shows the name as listed in ShortBrowser.
         clickRow(*w, 2, 1);
-        QCOMPARE(ui.Label1[5]->text(), u"Selected: 2"_s);
-        QCOMPARE(ui.Text1->text(), longVersion ? QFile::decodeName(t.path("T/U")) : u"U (0kB)"_s);
+        QCOMPARE(ui.status.Label1[5]->text(), u"Selected: 2"_s);
+        QCOMPARE(ui.paths.Text1->text(), longVersion ? QFile::decodeName(t.path("T/U")) : u"U (0kB)"_s);
         if (longVersion)
             QCOMPARE(selectedRow(*w, 1), 1);
         else
             QCOMPARE(pane(*w, 2)->toolTip(), u"U (0kB)"_s);
         clickRow(*w, 1, 2);
-        QCOMPARE(ui.Label1[1]->text(), u"Selected: 3"_s);
+        QCOMPARE(ui.status.Label1[1]->text(), u"Selected: 3"_s);
         if (longVersion) {
-            QCOMPARE(ui.Text1->text(), QFile::decodeName(t.path("T")));
+            QCOMPARE(ui.paths.Text1->text(), QFile::decodeName(t.path("T")));
             QVERIFY(pane(*w, 1)->palette().color(QPalette::Highlight) != QColor(0, 128, 0));
             // Below the last row the grid keeps its current row, and the click still reports it.
             QTest::mouseClick(pane(*w, 1)->viewport(), Qt::LeftButton, {},
@@ -227,7 +229,7 @@ private slots:
         for (int i = 0; i < 5; ++i)
             t.file("S/f" + QByteArray::number(i));
         auto w = listedWindow(m_fakes, false, t.root());
-        QListView* list = w->controls().List[3];
+        QListView* list = w->controls().panes.List[3];
         const int h = list->visualRect(list->model()->index(0, 0)).height();
         const auto at = [&](QWidget* control, int px, double py) {
             return w->GetRClickedItem(control, float(px * Twips::perPixelX()), float(py * Twips::perPixelY()));
@@ -240,12 +242,12 @@ private slots:
         // A fraction of a pixel is cut off after rounding the twips.
         QCOMPARE(at(list, 10, 3 * h + 0.9), 2);
         QCOMPARE(at(list, 10, 5 * h + 3), 0);
-        QCOMPARE(at(w->controls().List[5], 10, 1), 0);
-        QCOMPARE(at(w->controls().Text1, 10, 1), -1);
+        QCOMPARE(at(w->controls().search.List5, 10, 1), 0);
+        QCOMPARE(at(w->controls().paths.Text1, 10, 1), -1);
 
         auto l = listedWindow(m_fakes, true, t.root());
-        QCOMPARE(l->GetRClickedItem(l->controls().MSFlexGrid[3], 150, 3 * 240), 0);
-        QCOMPARE(l->GetRClickedItem(l->controls().Text1, 150, 150), 0);
+        QCOMPARE(l->GetRClickedItem(l->controls().panes.MSFlexGrid[3], 150, 3 * 240), 0);
+        QCOMPARE(l->GetRClickedItem(l->controls().paths.Text1, 150, 150), 0);
     }
 
     // Both ways out end the program mid-walk, and the walk reports nothing after.
@@ -260,9 +262,9 @@ private slots:
             auto w = window(m_fakes, longVersion);
             w->setDir1Path(QFile::decodeName(t.root()));
             QSignalSpy done(w.get(), &BrowserWindow::scanFinished);
-            QTest::mouseClick(w->controls().List_Folders, Qt::LeftButton);
+            QTest::mouseClick(w->controls().navigation.List_Folders, Qt::LeftButton);
             if (viaLabel)
-                QTest::mouseDClick(w->controls().Label11, Qt::LeftButton);
+                QTest::mouseDClick(w->controls().status.Label11, Qt::LeftButton);
             else
                 w->close();
             QCOMPARE(m_fakes.programEnd.count, 1);

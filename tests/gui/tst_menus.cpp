@@ -2,7 +2,7 @@
 
 #include "BrowserTestKit.h"
 
-#include "browser/ResultList.h"
+#include "panes/ResultList.h"
 #include "scan/ScanResultBuilder.h"
 
 #include <QApplication>
@@ -44,7 +44,7 @@ private:
     void trigger(const BrowserWindow& w, const QString& shortName, const QString& longName)
     {
         m_fakes.messages.calls.clear();
-        entry(w, w.flavour().panes == BrowserFlavour::Panes::Grids ? longName : shortName)->trigger();
+        entry(w, w.flavour().behaviour.panes == BrowserBehaviour::Panes::Grids ? longName : shortName)->trigger();
     }
 
 private slots:
@@ -69,25 +69,25 @@ private slots:
     {
         const QString box = collectionPath();
         auto s = window(m_fakes, false);
-        QCOMPARE(s->controls().mnuPopUp2->title(), u"PopUpMenu2"_s);
-        QCOMPARE(captions(s->controls().mnuPopUp2),
+        QCOMPARE(s->controls().menus.mnuPopUp2->title(), u"PopUpMenu2"_s);
+        QCOMPARE(captions(s->controls().menus.mnuPopUp2),
                  QStringList({u"Open the Selected Folder"_s, u"Locate This Folder"_s, u"Show List Serial Number"_s,
                               u"Show Selected Folder Path"_s, u"--"_s, u"Save Contents of This List"_s,
                               u"Copy this Folder to "_s + box}));
-        QCOMPARE(s->controls().mnuPopUp->title(), u"Popup Menu"_s);
-        QCOMPARE(captions(s->controls().mnuPopUp),
+        QCOMPARE(s->controls().menus.mnuPopUp->title(), u"Popup Menu"_s);
+        QCOMPARE(captions(s->controls().menus.mnuPopUp),
                  QStringList({u"Open The Selected File"_s, u"Locate The Selected File"_s, u"Show List Serial Number"_s,
                               u"Show Absolute FileName"_s, u"--"_s, u"Save Contents of This List"_s,
                               u"Save This File to "_s + box}));
 
         auto l = window(m_fakes, true);
-        QCOMPARE(l->controls().mnuPopUp2->title(), u"PopupMenu2"_s);
-        QCOMPARE(captions(l->controls().mnuPopUp2),
+        QCOMPARE(l->controls().menus.mnuPopUp2->title(), u"PopupMenu2"_s);
+        QCOMPARE(captions(l->controls().menus.mnuPopUp2),
                  QStringList({u"Open the Selected Folder"_s, u"Locate the Selected Folder"_s,
                               u"Show Item Serial Number"_s, u"ShowSelected Folder Path"_s,
                               u"SaveContents of this List"_s, u"Copy Selected Folder/ Sub-folders"_s}));
-        QCOMPARE(l->controls().mnuPopUp->title(), u"PopupMenu"_s);
-        QCOMPARE(captions(l->controls().mnuPopUp),
+        QCOMPARE(l->controls().menus.mnuPopUp->title(), u"PopupMenu"_s);
+        QCOMPARE(captions(l->controls().menus.mnuPopUp),
                  QStringList({u"Open the Selected File"_s, u"Locate the Selected File"_s, u"Show Item Serial Number"_s,
                               u"Show Absolute File Name"_s, u"--"_s, u"Save Contents of this List"_s,
                               u"Save this File to "_s + box}));
@@ -97,8 +97,8 @@ private slots:
     {
         auto w = listedWindow(m_fakes, false, m_tree.root());
         const BrowserControls& ui = w->controls();
-        auto* list3 = qobject_cast<ResultList*>(ui.List[3]);
-        qobject_cast<ResultList*>(ui.List[2])->setListIndex(-1);
+        auto* list3 = qobject_cast<ResultList*>(ui.panes.List[3]);
+        qobject_cast<ResultList*>(ui.panes.List[2])->setListIndex(-1);
         list3->setListIndex(-1);
 
         // The folder list answers only once something is selected in it.
@@ -108,28 +108,28 @@ private slots:
 
         // The file list always does; the entry under the mouse is selected first, with its click handling.
         clickRow(*w, 3, 2, Qt::RightButton);
-        QCOMPARE(openMenu(), ui.mnuPopUp);
+        QCOMPARE(openMenu(), ui.menus.mnuPopUp);
         QCOMPARE(w->panes().currentRow(3), 2);
-        QCOMPARE(ui.Label1[6]->text(), u"Selected: 3"_s);
-        QCOMPARE(ui.Text2->text(), QFile::decodeName(m_tree.path("Gamma/Three.txt")));
+        QCOMPARE(ui.status.Label1[6]->text(), u"Selected: 3"_s);
+        QCOMPARE(ui.paths.Text2->text(), QFile::decodeName(m_tree.path("Gamma/Three.txt")));
         // ... and the name it selects runs its own.
         QCOMPARE(w->panes().currentRow(4), 2);
-        QCOMPARE(ui.Label1[2]->text(), u"Selected: 3"_s);
+        QCOMPARE(ui.status.Label1[2]->text(), u"Selected: 3"_s);
         closeMenus();
 
         clickRow(*w, 2, 0);
         clickRow(*w, 2, 2, Qt::RightButton);
-        QCOMPARE(openMenu(), ui.mnuPopUp2);
+        QCOMPARE(openMenu(), ui.menus.mnuPopUp2);
         QCOMPARE(w->panes().currentRow(2), 2);
-        QCOMPARE(ui.Label1[5]->text(), u"Selected: 3"_s);
-        QCOMPARE(ui.Text1->text(), w->panes().text(2, 2));
+        QCOMPARE(ui.status.Label1[5]->text(), u"Selected: 3"_s);
+        QCOMPARE(ui.paths.Text1->text(), w->panes().text(2, 2));
         closeMenus();
 
         // Below the last entry: the first entry is taken.
         QTest::mouseClick(list3->viewport(), Qt::RightButton, {}, QPoint(5, list3->viewport()->height() - 2));
-        QCOMPARE(openMenu(), ui.mnuPopUp);
+        QCOMPARE(openMenu(), ui.menus.mnuPopUp);
         QCOMPARE(w->panes().currentRow(3), 0);
-        QCOMPARE(ui.Label1[6]->text(), u"Selected: 1"_s);
+        QCOMPARE(ui.status.Label1[6]->text(), u"Selected: 1"_s);
     }
 
     void longRightClicks()
@@ -138,13 +138,13 @@ private slots:
         for (int pane : {2, 3}) {
             clickRow(*w, pane, 1);
             clickRow(*w, pane, 2, Qt::RightButton);
-            QCOMPARE(openMenu(), pane == 2 ? w->controls().mnuPopUp2 : w->controls().mnuPopUp);
+            QCOMPARE(openMenu(), pane == 2 ? w->controls().menus.mnuPopUp2 : w->controls().menus.mnuPopUp);
             // The menu acts on the row current before the click.
             QCOMPARE(w->panes().currentRow(pane), 1);
             QVERIFY(w->panes().isSelected(pane, 1));
             closeMenus();
         }
-        w->controls().mnuPopUp->actions().at(2)->trigger();
+        w->controls().menus.mnuPopUp->actions().at(2)->trigger();
         QCOMPARE(m_fakes.messages.texts(), QStringList{u"0|List Serial Number of the Selected Item is 2"_s});
     }
 
@@ -252,9 +252,9 @@ private slots:
 
         // Nothing selected is no refusal either: the copy meets the error and the program ends again.
         if (longVersion)
-            w->controls().Text2->clear();
+            w->controls().paths.Text2->clear();
         else
-            qobject_cast<ResultList*>(w->controls().List[3])->setListIndex(-1);
+            qobject_cast<ResultList*>(w->controls().panes.List[3])->setListIndex(-1);
         trigger(*w, copyName, copyName);
         QCOMPARE(m_fakes.messages.texts().size(), 1);
         QVERIFY(m_fakes.messages.texts().first().startsWith(u"16|Run-time error '"_s));

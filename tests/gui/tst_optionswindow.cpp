@@ -119,7 +119,7 @@ private slots:
         QVERIFY(!option0->isChecked() && !option1->isChecked());
 
         // Back to Options through the browser's picture: the browser stays loaded, with what it holds.
-        shortBrowser->controls().Text1->setText(u"kept"_s);
+        shortBrowser->controls().paths.Text1->setText(u"kept"_s);
         QTest::mouseClick(picture(*shortBrowser, "Image6"), Qt::LeftButton);
         QVERIFY(!shortBrowser->isVisible() && w.isVisible());
         QVERIFY(!option0->isChecked() && !option1->isChecked());
@@ -132,7 +132,7 @@ private slots:
         QTest::mouseClick(picture(*w.longBrowser(), "Image6"), Qt::LeftButton);
         clickOption(w, 0);
         QCOMPARE(w.shortBrowser(), shortBrowser);
-        QCOMPARE(shortBrowser->controls().Text1->text(), u"kept"_s);
+        QCOMPARE(shortBrowser->controls().paths.Text1->text(), u"kept"_s);
         QVERIFY(m_fakes.messages.calls.isEmpty());
         QCOMPARE(m_fakes.programEnd.count, 0);
     }

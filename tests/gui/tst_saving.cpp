@@ -54,7 +54,7 @@ private slots:
                 label12Seen = label12->isVisible() ? label12->text() : u"<hidden>"_s;
         };
         m_fakes.input.answers = {u"Alpha"_s};
-        QTest::mouseClick(w->controls().CreateTextFiles, Qt::LeftButton);
+        QTest::mouseClick(w->controls().navigation.CreateTextFiles, Qt::LeftButton);
 
         QCOMPARE(m_fakes.input.prompts, QStringList{u"Write a valid file name:"_s});
         QCOMPARE(m_fakes.messages.calls.size(), 1);
@@ -70,8 +70,8 @@ private slots:
         }
         QCOMPARE(m_fakes.messages.texts(), QStringList{report});
         const QByteArray file1 = read(setName(1, u"Alpha"_s));
-        const QByteArray header = "SOURCE:" + w->controls().Label4[3]->text().toUtf8() +
-                                  "\r\n\r\nParent Folder: " + w->controls().Label2->text().toUtf8() +
+        const QByteArray header = "SOURCE:" + w->controls().status.Label4[3]->text().toUtf8() +
+                                  "\r\n\r\nParent Folder: " + w->controls().navigation.Label2->text().toUtf8() +
                                   "\r\nLIST OF FOLDERS WITH THEIR PATHS (3):\r\n\r\n";
         QVERIFY2(file1.contains(header), file1.constData());
         const QByteArray file4 = read(setName(4, u"Alpha"_s));
@@ -108,7 +108,7 @@ private slots:
     void collectionLabel()
     {
         auto w = window(m_fakes, false);
-        const auto& labels = w->controls().Label4;
+        const auto& labels = w->controls().status.Label4;
         for (int i : {0, 2, 3})
             QTest::mouseClick(labels[i], Qt::LeftButton, {}, QPoint(3, 3));
         QVERIFY(m_fakes.messages.calls.isEmpty());

@@ -26,25 +26,26 @@ private:
         for (const char* name : {"ab.txt", "a*b.txt", "Photo1.jpg", "song.mp3"})
             b.addFile(0, name);
         auto w = windowWith(m_fakes, longVersion, b.finish());
-        QTest::mouseClick(w->controls().Label9Com, Qt::LeftButton);
+        QTest::mouseClick(w->controls().navigation.Label9Com, Qt::LeftButton);
         return w;
     }
     static void search(BrowserWindow& w, const QString& text, bool folders)
     {
-        w.controls().srchFolder->setText(text);
-        QTest::mouseClick(folders ? w.controls().SearchFolders : w.controls().SearchFiles, Qt::LeftButton);
+        w.controls().search.srchFolder->setText(text);
+        QTest::mouseClick(folders ? w.controls().search.SearchFolders : w.controls().search.SearchFiles,
+                          Qt::LeftButton);
     }
     static QStringList lines(const BrowserWindow& w)
     {
         QStringList out;
-        const QAbstractItemModel* m = w.controls().List[5]->model();
+        const QAbstractItemModel* m = w.controls().search.List5->model();
         for (int row = 0; row < m->rowCount(); ++row)
             out.append(m->index(row, 0).data().toString());
         return out;
     }
     static void clickResult(const BrowserWindow& w, int row, bool twice = false)
     {
-        QListView* list5 = w.controls().List[5];
+        QListView* list5 = w.controls().search.List5;
         const QPoint at = list5->visualRect(list5->model()->index(row, 0)).center();
         QTest::mouseClick(list5->viewport(), Qt::LeftButton, {}, at);
         if (twice)
@@ -61,11 +62,11 @@ private slots:
         QFETCH(bool, longVersion);
         auto w = listed(longVersion);
         const BrowserControls& ui = w->controls();
-        QVERIFY(ui.Frame1->isVisible());
+        QVERIFY(ui.search.Frame1->isVisible());
 
         search(*w, u"photo"_s, true);
         QCOMPARE(lines(*w), QStringList({u"# 00002. My Photos (1kB)"_s, u"# 00004. PHOTOGRAPHS (1kB)"_s}));
-        QCOMPARE(ui.Label1[7]->text(), u" Folders Found: 2 "_s);
+        QCOMPARE(ui.status.Label1[7]->text(), u" Folders Found: 2 "_s);
         QVERIFY(w->search().searchingFolders());
         // The grid is walked row by row and stays on its last row.
         if (longVersion)
@@ -73,7 +74,7 @@ private slots:
 
         search(*w, u"a*"_s, false);
         QCOMPARE(lines(*w), QStringList{u"# 00002. a*b.txt"_s});
-        QCOMPARE(ui.Label1[7]->text(), u" Files Found: 1 "_s);
+        QCOMPARE(ui.status.Label1[7]->text(), u" Files Found: 1 "_s);
         QVERIFY(!w->search().searchingFolders());
         if (longVersion)
             QCOMPARE(w->panes().currentRow(4), 3);
@@ -85,10 +86,10 @@ private slots:
         QCOMPARE(lines(*w).size(), 1);
         search(*w, QString(), false);
         QVERIFY(lines(*w).isEmpty());
-        QCOMPARE(ui.Label1[7]->text(), QString());
+        QCOMPARE(ui.status.Label1[7]->text(), QString());
 
-        QTest::mouseClick(ui.Label9Com, Qt::LeftButton);
-        QVERIFY(ui.Frame1->isHidden());
+        QTest::mouseClick(ui.navigation.Label9Com, Qt::LeftButton);
+        QVERIFY(ui.search.Frame1->isHidden());
         QVERIFY(m_fakes.messages.calls.isEmpty());
     }
 
@@ -103,34 +104,34 @@ private slots:
         clickResult(*w, 1);
         QCOMPARE(w->panes().currentRow(1), 3);
         QCOMPARE(w->panes().currentRow(2), 3);
-        QCOMPARE(ui.Text1->text(), u"/d/PHOTOGRAPHS"_s);
+        QCOMPARE(ui.paths.Text1->text(), u"/d/PHOTOGRAPHS"_s);
         // ShortBrowser's list boxes run their click handling when selected.
-        QCOMPARE(ui.Label1[5]->text(), longVersion ? u"Selected: 1"_s : u"Selected: 4"_s);
+        QCOMPARE(ui.status.Label1[5]->text(), longVersion ? u"Selected: 1"_s : u"Selected: 4"_s);
         // The arrow keys move the result list's selection and run its click as the mouse does.
-        QTest::keyClick(ui.List[5], Qt::Key_Up);
+        QTest::keyClick(ui.search.List5, Qt::Key_Up);
         QCOMPARE(w->panes().currentRow(2), 1);
-        QCOMPARE(ui.Text1->text(), u"/d/My Photos"_s);
-        ui.Option1->setChecked(true);
+        QCOMPARE(ui.paths.Text1->text(), u"/d/My Photos"_s);
+        ui.mode.Option1->setChecked(true);
         clickResult(*w, 0, true);
         QCOMPARE(m_fakes.shell.opened, QStringList{u"/d/My Photos"_s});
 
-        ui.Option2->setChecked(true);
+        ui.mode.Option2->setChecked(true);
         search(*w, u".mp3"_s, false);
         const int closes = m_fakes.player.closes;
         clickResult(*w, 0, true);
         QCOMPARE(w->panes().currentRow(3), 3);
         QCOMPARE(w->panes().currentRow(4), 3);
-        QCOMPARE(ui.Text2->text(), u"/d/song.mp3"_s);
+        QCOMPARE(ui.paths.Text2->text(), u"/d/song.mp3"_s);
         QCOMPARE(m_fakes.shell.located, QStringList{u"/d/song.mp3"_s});
         QCOMPARE(m_fakes.player.closes, closes + 1);
-        ui.Option1->setChecked(true);
+        ui.mode.Option1->setChecked(true);
         clickResult(*w, 0, true);
         QCOMPARE(m_fakes.player.urls, QStringList{u"/d/song.mp3"_s});
-        QVERIFY(ui.playerFrame->isVisible());
+        QVERIFY(ui.player.playerFrame->isVisible());
         search(*w, u"ab"_s, false);
         clickResult(*w, 0, true);
         QCOMPARE(m_fakes.shell.opened.last(), u"/d/ab.txt"_s);
-        QVERIFY(ui.playerFrame->isHidden());
+        QVERIFY(ui.player.playerFrame->isHidden());
         QVERIFY(m_fakes.messages.calls.isEmpty());
     }
 
@@ -158,20 +159,20 @@ private slots:
 
         const QTemporaryDir other;
         if (drive)
-            ui.Drive1->setCurrentIndex(ui.Drive1->currentIndex() == 0 ? 1 : 0);
+            ui.navigation.Drive1->setCurrentIndex(ui.navigation.Drive1->currentIndex() == 0 ? 1 : 0);
         else
             w->setDir1Path(other.path());
         QVERIFY(lines(*w).isEmpty());
-        QCOMPARE(ui.Label1[7]->text(), QString());
-        QVERIFY(ui.Frame1->isHidden() && !ui.Label9Com->isEnabled());
-        QTest::mouseClick(ui.List[5]->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+        QCOMPARE(ui.status.Label1[7]->text(), QString());
+        QVERIFY(ui.search.Frame1->isHidden() && !ui.navigation.Label9Com->isEnabled());
+        QTest::mouseClick(ui.search.List5->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
         QVERIFY(m_fakes.messages.calls.isEmpty());
 
         ScanResultBuilder b("/e");
         b.addFolder("photos", 1);
         w->listResult(b.finish());
-        QTest::mouseClick(ui.Label9Com, Qt::LeftButton);
-        QVERIFY(ui.Frame1->isVisible());
+        QTest::mouseClick(ui.navigation.Label9Com, Qt::LeftButton);
+        QVERIFY(ui.search.Frame1->isVisible());
         QVERIFY(lines(*w).isEmpty());
     }
 
@@ -187,13 +188,13 @@ private slots:
         }
         auto w = window(m_fakes, true);
         w->listResult(b.finish());
-        QTest::mouseClick(w->controls().Label9Com, Qt::LeftButton);
+        QTest::mouseClick(w->controls().navigation.Label9Com, Qt::LeftButton);
 
         search(*w, u"six"_s, false);
         QCOMPARE(lines(*w), QStringList{u"# 100005. six"_s});
         clickResult(*w, 0);
         QCOMPARE(w->panes().currentRow(3), 9999);
-        QCOMPARE(w->controls().Text2->text(), u"/big/f9999"_s);
+        QCOMPARE(w->controls().paths.Text2->text(), u"/big/f9999"_s);
         QVERIFY(m_fakes.messages.calls.isEmpty());
 
         search(*w, u"needle"_s, false);

@@ -3,10 +3,9 @@
 #include "ContextMenus.h"
 
 #include "ItemActions.h"
+#include "SaveActions.h"
 #include "UnhandledError.h"
-#include "browser/BrowserWindow.h"
-#include "browser/ResultPanes.h"
-#include "browser/SaveActions.h"
+#include "panes/ResultPanes.h"
 #include "platform/MessageService.h"
 #include "platform/Twips.h"
 
@@ -19,19 +18,22 @@
 #include <QTableView>
 #include <limits>
 
-ContextMenus::ContextMenus(BrowserWindow& window, const Services& services, SaveActions& saves)
-    : QObject(&window), m_window(window), m_services(services), m_saves(saves), m_copies(window, services)
+ContextMenus::ContextMenus(const BrowserFlavour& flavour, const MenuControls& menus, const PaneControls& paneControls,
+                           const PathControls& paths, ResultPanes& panes, ItemActions& actions, SaveActions& saves,
+                           const Services& services, QObject* parent)
+    : QObject(parent), m_flavour(flavour), m_menus(menus), m_paths(paths), m_panes(panes), m_actions(actions),
+      m_saves(saves), m_services(services), m_copies(flavour, paths, panes, services)
 {
-    const BrowserControls& ui = window.controls();
-    const bool grids = window.flavour().panes == BrowserFlavour::Panes::Grids;
+    const bool grids = flavour.behaviour.grids();
     for (int pane : {2, 3}) {
-        m_views[pane] = grids ? static_cast<QAbstractItemView*>(ui.MSFlexGrid[pane]) : ui.List[pane];
+        m_views[pane] =
+            grids ? static_cast<QAbstractItemView*>(paneControls.MSFlexGrid[pane]) : paneControls.List[pane];
         m_views[pane]->viewport()->installEventFilter(this);
     }
-    bind(ui.mnuPopUp2,
+    bind(menus.mnuPopUp2,
          {[this] { OpenFolder(); }, [this] { LocateThisFolder(); }, [this] { ShowSerialNo2(); },
           [this] { ShowFolderPath(); }, [this] { m_saves.saveFolderList(); }, [this] { m_copies.CopyFolders(); }});
-    bind(ui.mnuPopUp,
+    bind(menus.mnuPopUp,
          {[this] { OpenThisFile(); }, [this] { LocateThisFile(); }, [this] { ShowSerialNo(); },
           [this] { AbsoluteFileName(); }, [this] { m_saves.saveFileList(); }, [this] { m_copies.copySelectedFile(); }});
 }
@@ -70,29 +72,28 @@ void ContextMenus::pane_MouseDown(int pane, Qt::MouseButton Button, float X, flo
 {
     if (Button != Qt::RightButton)
         return;
-    const BrowserFlavour& flavour = m_window.flavour();
-    ResultPanes& panes = m_window.panes();
+    const BrowserBehaviour& behaviour = m_flavour.behaviour;
+    ResultPanes& panes = m_panes;
     // ShortBrowser's folder list offers its menu only once something has been selected in it; its file list
     // always does. The asymmetry is the program's own.
-    if (flavour.rightClickSelects && pane == 2 && panes.currentRow(2) == -1)
+    if (behaviour.rightClickSelects && pane == 2 && panes.currentRow(2) == -1)
         return;
-    const int idx = m_window.GetRClickedItem(m_views[pane], X, Y);
+    const int idx = m_panes.GetRClickedItem(m_views[pane], X, Y);
     if (idx == -1)
         return;
-    if (flavour.rightClickSelects) {
+    if (behaviour.rightClickSelects) {
         // A point below the last entry answers 0, so the first entry is taken.
         panes.setCurrentRow(pane, idx);
     }
-    const BrowserControls& ui = m_window.controls();
-    (pane == 2 ? ui.mnuPopUp2 : ui.mnuPopUp)->popup(globalPos);
+    (pane == 2 ? m_menus.mnuPopUp2 : m_menus.mnuPopUp)->popup(globalPos);
 }
 
 // An entry of `partner` belonging to the selection of `selected`: a list box is read at the index selected in
 // the list clicked, a grid at its own current row, which the click on its partner has moved along.
 QString ContextMenus::partnerEntry(int partner, int selected) const
 {
-    const ResultPanes& panes = m_window.panes();
-    const bool ownRow = m_window.flavour().menusReadCurrentCells;
+    const ResultPanes& panes = m_panes;
+    const bool ownRow = m_flavour.behaviour.menusReadCurrentCells;
     return panes.text(partner, panes.currentRow(ownRow ? partner : selected));
 }
 
@@ -108,23 +109,23 @@ QString ContextMenus::fileName() const
 
 void ContextMenus::OpenFolder()
 {
-    m_window.actions().open(folderPath());
+    m_actions.open(folderPath());
 }
 
 void ContextMenus::LocateThisFolder()
 {
-    m_window.actions().locate(m_window.controls().Text1->text());
+    m_actions.locate(m_paths.Text1->text());
 }
 
 void ContextMenus::OpenThisFile()
 {
     // Always the shell's open, never the player a double-click may use.
-    m_window.actions().open(m_window.controls().Text2->text());
+    m_actions.open(m_paths.Text2->text());
 }
 
 void ContextMenus::LocateThisFile()
 {
-    m_window.actions().locate(m_window.controls().Text2->text());
+    m_actions.locate(m_paths.Text2->text());
 }
 
 void ContextMenus::ShowSerialNo2()
@@ -141,8 +142,8 @@ void ContextMenus::showSerialNumber(int pane)
 {
     // The folder list of a list box is not held to 32,767 entries as the file list is, but the number is still
     // worked out in 16 bits: past the limit it overflows, and nothing traps it.
-    const qint64 serial = qint64(m_window.panes().currentRow(pane)) + 1;
-    if (m_window.flavour().sixteenBitPositions && serial > std::numeric_limits<qint16>::max()) {
+    const qint64 serial = qint64(m_panes.currentRow(pane)) + 1;
+    if (m_flavour.behaviour.sixteenBitPositions && serial > std::numeric_limits<qint16>::max()) {
         failUnhandled(m_services, RuntimeError::Overflow);
         return;
     }
@@ -157,6 +158,6 @@ void ContextMenus::ShowFolderPath()
 
 void ContextMenus::AbsoluteFileName()
 {
-    m_services.messages->message(m_window.flavour().absoluteNameHeading + QStringLiteral("\r\n\r\n") +
+    m_services.messages->message(m_flavour.texts.absoluteNameHeading + QStringLiteral("\r\n\r\n") +
                                  fileName().toUpper());
 }

@@ -3,6 +3,10 @@
 #pragma once
 
 #include "CopyActions.h"
+#include "controls/MenuControls.h"
+#include "controls/PaneControls.h"
+#include "controls/PathControls.h"
+#include "flavour/BrowserFlavour.h"
 #include "platform/Services.h"
 
 #include <QObject>
@@ -10,9 +14,10 @@
 #include <array>
 #include <functional>
 
-class BrowserWindow;
+class ItemActions;
 class QAbstractItemView;
 class QMenu;
+class ResultPanes;
 class SaveActions;
 
 // The two pop-up menus of a browser window: mnuPopUp2 on the folder-name pane (List2 / MSFlexGrid2) and mnuPopUp
@@ -22,7 +27,9 @@ class ContextMenus : public QObject
 {
     Q_OBJECT
 public:
-    ContextMenus(BrowserWindow& window, const Services& services, SaveActions& saves);
+    ContextMenus(const BrowserFlavour& flavour, const MenuControls& menus, const PaneControls& paneControls,
+                 const PathControls& paths, ResultPanes& panes, ItemActions& actions, SaveActions& saves,
+                 const Services& services, QObject* parent);
 
     // The mouse-down on the folder pane (2) or the file pane (3); X and Y in twips within the pane.
     void pane_MouseDown(int pane, Qt::MouseButton Button, float X, float Y, const QPoint& globalPos);
@@ -48,9 +55,13 @@ private:
     QString fileName() const;
     void bind(QMenu* menu, const std::array<std::function<void()>, 6>& handlers);
 
-    BrowserWindow& m_window;
-    Services m_services;
+    const BrowserFlavour& m_flavour;
+    const MenuControls& m_menus;
+    const PathControls& m_paths;
+    ResultPanes& m_panes;
+    ItemActions& m_actions;
     SaveActions& m_saves;
+    Services m_services;
     CopyActions m_copies;
     std::array<QAbstractItemView*, 4> m_views{}; // the panes 2 and 3 at their numbers
 };

@@ -3,12 +3,11 @@
 #include "CopyActions.h"
 
 #include "UnhandledError.h"
-#include "browser/BrowserWindow.h"
-#include "browser/ResultPanes.h"
 #include "common/NativeText.h"
 #include "export/CollectionFolder.h"
 #include "export/FileOps.h"
 #include "export/ItemCopy.h"
+#include "panes/ResultPanes.h"
 #include "platform/CopyProgressService.h"
 #include "platform/MessageService.h"
 
@@ -24,17 +23,18 @@ QString withName(QString text, const QString& name)
 
 } // namespace
 
-CopyActions::CopyActions(const BrowserWindow& window, const Services& services) : m_window(window), m_services(services)
+CopyActions::CopyActions(const BrowserFlavour& flavour, const PathControls& paths, const ResultPanes& panes,
+                         const Services& services)
+    : m_flavour(flavour), m_paths(paths), m_panes(panes), m_services(services)
 {
 }
 
 void CopyActions::copySelectedFile()
 {
-    const BrowserFlavour& flavour = m_window.flavour();
-    const ResultPanes& panes = m_window.panes();
+    const ResultPanes& panes = m_panes;
     QString source, bareName;
-    if (flavour.menusReadCurrentCells) {
-        source = m_window.controls().Text2->text();
+    if (m_flavour.behaviour.menusReadCurrentCells) {
+        source = m_paths.Text2->text();
         bareName = panes.text(4, panes.currentRow(4));
     } else {
         const int index = panes.currentRow(3);
@@ -47,7 +47,7 @@ void CopyActions::copySelectedFile()
 
     QString report;
     if (ItemCopy::fileExists(target)) {
-        const QString question = withName(collection.inText(flavour.replaceFileQuestion), name);
+        const QString question = withName(collection.inText(m_flavour.texts.replaceFileQuestion), name);
         if (m_services.messages->message(question, MessageStyle::YesNoExclamation) != Answer::Yes)
             return;
         if (const RuntimeError::Number error = ItemCopy::removeFile(target)) {
@@ -69,7 +69,7 @@ void CopyActions::copySelectedFile()
 
 void CopyActions::CopyFolders()
 {
-    const QString source = m_window.controls().Text1->text();
+    const QString source = m_paths.Text1->text();
     const CollectionFolder collection;
     // The copy makes its folder under the collection folder, which may not be there yet; the outcome is the
     // copy's own to report either way.
@@ -90,8 +90,8 @@ void CopyActions::CopyFolders()
     ItemCopy::copyTree(NativeText::fromDisplay(source), collection.nativePath(), callbacks);
     window.finish();
 
-    const ResultPanes& panes = m_window.panes();
+    const ResultPanes& panes = m_panes;
     const QString folder = panes.text(2, panes.currentRow(2)).toUpper();
-    m_services.messages->message(withName(collection.inText(m_window.flavour().folderCopiedReport), folder),
+    m_services.messages->message(withName(collection.inText(m_flavour.texts.folderCopiedReport), folder),
                                  MessageStyle::Information);
 }

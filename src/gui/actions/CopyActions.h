@@ -2,10 +2,12 @@
 
 #pragma once
 
+#include "controls/PathControls.h"
+#include "flavour/BrowserFlavour.h"
 #include "platform/Services.h"
 
-class BrowserWindow;
 class QString;
+class ResultPanes;
 
 // Copies of a listed item into the collection folder, from the context menus: the selected file (SaveFile_3,
 // SaveFileTo_MSF3) and the selected folder with everything under it (CopyFolders).
@@ -16,12 +18,15 @@ class QString;
 class CopyActions
 {
 public:
-    CopyActions(const BrowserWindow& window, const Services& services);
+    CopyActions(const BrowserFlavour& flavour, const PathControls& paths, const ResultPanes& panes,
+                const Services& services);
 
     void copySelectedFile();
     void CopyFolders();
 
 private:
-    const BrowserWindow& m_window;
+    const BrowserFlavour& m_flavour;
+    const PathControls& m_paths;
+    const ResultPanes& m_panes;
     Services m_services;
 };

@@ -3,8 +3,7 @@
 #include "GoToCell.h"
 
 #include "UnhandledError.h"
-#include "browser/BrowserWindow.h"
-#include "browser/ResultPanes.h"
+#include "panes/ResultPanes.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -12,14 +11,16 @@
 #include <cmath>
 #include <limits>
 
-GoToCell::GoToCell(const BrowserControls& ui, ResultPanes& panes, const Services& services, BrowserWindow& window)
-    : QObject(&window), m_ui(ui), m_panes(panes), m_services(services), m_window(window)
+GoToCell::GoToCell(const GoToControls& goTo, const PaneControls& paneControls, ResultPanes& panes,
+                   const Services& services, BrowserHost& host, QObject* parent)
+    : QObject(parent), m_goToControls(goTo), m_paneControls(paneControls), m_panes(panes), m_services(services),
+      m_host(host)
 {
-    connect(m_ui.GoToFolder, &QPushButton::clicked, this, [this] { GoToFolder_Click(); });
-    connect(m_ui.GoToFilePath, &QPushButton::clicked, this, [this] { GoToFilePath_Click(); });
-    connect(m_ui.GoToFile, &QPushButton::clicked, this, [this] { GoToFile_Click(); });
+    connect(m_goToControls.GoToFolder, &QPushButton::clicked, this, [this] { GoToFolder_Click(); });
+    connect(m_goToControls.GoToFilePath, &QPushButton::clicked, this, [this] { GoToFilePath_Click(); });
+    connect(m_goToControls.GoToFile, &QPushButton::clicked, this, [this] { GoToFile_Click(); });
     for (int pane = 2; pane <= 4; ++pane) {
-        connect(m_ui.MSFlexGrid[pane]->selectionModel(), &QItemSelectionModel::currentChanged, this,
+        connect(m_paneControls.MSFlexGrid[pane]->selectionModel(), &QItemSelectionModel::currentChanged, this,
                 [this, pane](const QModelIndex&, const QModelIndex& previous) {
                     if (previous.isValid())
                         leaveCell(pane, previous.row());
@@ -47,20 +48,20 @@ qint32 GoToCell::toLong(const QString& text, RuntimeError::Number* error)
 
 void GoToCell::GoToFolder_Click()
 {
-    goTo(m_ui.Text4, 2);
+    goTo(m_goToControls.Text4, 2);
 }
 
 void GoToCell::GoToFilePath_Click()
 {
-    goTo(m_ui.Text3, 3);
+    goTo(m_goToControls.Text3, 3);
 }
 
 void GoToCell::GoToFile_Click()
 {
     // Brings the file-name grid into view first, every time, whatever the number turns out to be.
-    if (!(m_window.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen)))
-        m_window.showFileNames();
-    goTo(m_ui.Text5, 4);
+    if (m_host.hasDesignSize())
+        m_host.showFileNames();
+    goTo(m_goToControls.Text5, 4);
 }
 
 void GoToCell::goTo(const QLineEdit* box, int pane)
@@ -81,7 +82,7 @@ void GoToCell::goTo(const QLineEdit* box, int pane)
                                      MessageStyle::Exclamation);
         return;
     }
-    QTableView* grid = m_ui.MSFlexGrid[pane];
+    QTableView* grid = m_paneControls.MSFlexGrid[pane];
     grid->scrollTo(grid->model()->index(row, 0), QAbstractItemView::PositionAtTop);
     m_panes.setCurrentRow(pane, row);
     m_panes.setCellColours(pane, row, QColor(), QColor(255, 0, 0));

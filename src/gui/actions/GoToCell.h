@@ -2,14 +2,15 @@
 
 #pragma once
 
-#include "browser/BrowserControls.h"
+#include "BrowserHost.h"
 #include "common/RuntimeError.h"
+#include "controls/GoToControls.h"
+#include "controls/PaneControls.h"
 #include "platform/Services.h"
 
 #include <QObject>
 #include <QString>
 
-class BrowserWindow;
 class QLineEdit;
 class ResultPanes;
 
@@ -19,7 +20,8 @@ class GoToCell : public QObject
 {
     Q_OBJECT
 public:
-    GoToCell(const BrowserControls& ui, ResultPanes& panes, const Services& services, BrowserWindow& window);
+    GoToCell(const GoToControls& goTo, const PaneControls& paneControls, ResultPanes& panes, const Services& services,
+             BrowserHost& host, QObject* parent);
 
     // A box's text as a whole number the way the number conversion reads it: blanks around it, a sign, a
     // fraction rounded half to even. `error` is 13 for no number, 6 for one beyond 32 bits, else 0.
@@ -33,8 +35,9 @@ private:
     void goTo(const QLineEdit* box, int pane);
     void leaveCell(int pane, int row);
 
-    const BrowserControls& m_ui;
+    const GoToControls& m_goToControls;
+    const PaneControls& m_paneControls;
     ResultPanes& m_panes;
     Services m_services;
-    BrowserWindow& m_window;
+    BrowserHost& m_host;
 };

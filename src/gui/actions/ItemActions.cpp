@@ -3,8 +3,8 @@
 #include "ItemActions.h"
 
 #include "UnhandledError.h"
-#include "browser/ClickableFrame.h"
-#include "browser/ResultPanes.h"
+#include "controls/ClickableFrame.h"
+#include "panes/ResultPanes.h"
 #include "platform/MediaPlayer.h"
 #include "platform/ShellService.h"
 
@@ -16,14 +16,17 @@
 #include <QRadioButton>
 #include <QTableView>
 
-ItemActions::ItemActions(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes,
+ItemActions::ItemActions(const BrowserBehaviour& behaviour, const PaneControls& paneControls, const PathControls& paths,
+                         const ModeControls& mode, const PlayerControls& player, ResultPanes& panes,
                          const Services& services, QObject* parent)
-    : QObject(parent), m_flavour(flavour), m_ui(ui), m_panes(panes), m_services(services)
+    : QObject(parent), m_behaviour(behaviour), m_paneControls(paneControls), m_paths(paths), m_mode(mode),
+      m_player(player), m_panes(panes), m_services(services)
 {
     // A double-click anywhere in a pane counts, below its last entry too, as it did for the list box and the
     // grid; the item views themselves only report double-clicks on an entry.
     for (int n = 2; n <= 4; ++n) {
-        QAbstractItemView* view = m_ui.List[n] ? static_cast<QAbstractItemView*>(m_ui.List[n]) : m_ui.MSFlexGrid[n];
+        QAbstractItemView* view = m_paneControls.List[n] ? static_cast<QAbstractItemView*>(m_paneControls.List[n])
+                                                         : m_paneControls.MSFlexGrid[n];
         if (view)
             view->viewport()->installEventFilter(this);
     }
@@ -45,17 +48,17 @@ bool ItemActions::isMediaKey(const QString& key)
 
 bool ItemActions::openMode() const
 {
-    return m_ui.Option1->isChecked();
+    return m_mode.Option1->isChecked();
 }
 
-QString ItemActions::text(BrowserFlavour::ItemText which) const
+QString ItemActions::text(BrowserBehaviour::ItemText which) const
 {
-    using T = BrowserFlavour::ItemText;
+    using T = BrowserBehaviour::ItemText;
     switch (which) {
     case T::Text1:
-        return m_ui.Text1->text();
+        return m_paths.Text1->text();
     case T::Text2:
-        return m_ui.Text2->text();
+        return m_paths.Text2->text();
     case T::FolderPathAtNameRow:
         return m_panes.text(1, m_panes.currentRow(2));
     case T::FolderPathRow:
@@ -81,10 +84,10 @@ QString ItemActions::pathOfFilez(const QString& filename)
         return {};
     }
     if (isMediaKey(key)) {
-        play(m_ui.Text2->text());
+        play(m_paths.Text2->text());
         return {};
     }
-    open(m_ui.Text2->text());
+    open(m_paths.Text2->text());
     return {};
 }
 
@@ -101,40 +104,41 @@ void ItemActions::locate(const QString& path)
 
 void ItemActions::play(const QString& path)
 {
-    m_services.player->showIn(m_ui.WindowsMediaPlayer1);
+    m_services.player->showIn(m_player.WindowsMediaPlayer1);
     m_services.player->setUrl(path);
-    m_ui.playerFrame->show();
-    m_ui.playerFrame->raise();
+    m_player.playerFrame->show();
+    m_player.playerFrame->raise();
 }
 
 void ItemActions::closePlayer()
 {
     m_services.player->close();
-    m_ui.playerFrame->hide();
+    m_player.playerFrame->hide();
 }
 
 // The verb's case ("open" here, "Open" in LongBrowser) never mattered to the shell, so both take one path.
 void ItemActions::folderNamesDblClick()
 {
     if (openMode())
-        open(text(m_flavour.folderOpenText));
+        open(text(m_behaviour.folderOpenText));
     else
-        locate(text(m_flavour.folderLocateText));
-    if (m_flavour.folderActionMovesPathRow)
+        locate(text(m_behaviour.folderLocateText));
+    if (m_behaviour.folderActionMovesPathRow)
         m_panes.setCurrentRow(1, m_panes.currentRow(2));
 }
 
 void ItemActions::filesDblClick(int pane)
 {
     closePlayer();
-    pathOfFilez(text(pane == 3 ? m_flavour.filePathsActionText : m_flavour.fileNamesActionText));
+    pathOfFilez(text(pane == 3 ? m_behaviour.filePathsActionText : m_behaviour.fileNamesActionText));
 }
 
 bool ItemActions::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::MouseButtonDblClick && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
         for (int n = 2; n <= 4; ++n) {
-            QAbstractItemView* view = m_ui.List[n] ? static_cast<QAbstractItemView*>(m_ui.List[n]) : m_ui.MSFlexGrid[n];
+            QAbstractItemView* view = m_paneControls.List[n] ? static_cast<QAbstractItemView*>(m_paneControls.List[n])
+                                                             : m_paneControls.MSFlexGrid[n];
             if (view && watched == view->viewport()) {
                 if (n == 2)
                     folderNamesDblClick();

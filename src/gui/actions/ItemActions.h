@@ -2,8 +2,11 @@
 
 #pragma once
 
-#include "browser/BrowserControls.h"
-#include "browser/BrowserFlavour.h"
+#include "controls/ModeControls.h"
+#include "controls/PaneControls.h"
+#include "controls/PathControls.h"
+#include "controls/PlayerControls.h"
+#include "flavour/BrowserBehaviour.h"
 #include "platform/Services.h"
 
 #include <QObject>
@@ -19,7 +22,8 @@ class ItemActions : public QObject
 {
     Q_OBJECT
 public:
-    ItemActions(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes, const Services& services,
+    ItemActions(const BrowserBehaviour& behaviour, const PaneControls& paneControls, const PathControls& paths,
+                const ModeControls& mode, const PlayerControls& player, ResultPanes& panes, const Services& services,
                 QObject* parent);
 
     // Compared with the upper-cased last three characters of a name. ".AU" keeps its dot: a two-letter
@@ -28,7 +32,7 @@ public:
     static bool isMediaKey(const QString& key);
 
     bool openMode() const;
-    QString text(BrowserFlavour::ItemText which) const;
+    QString text(BrowserBehaviour::ItemText which) const;
 
     // The file action of the mode for one file. The key comes from `filename`, but what is played or opened is
     // the file path box's text; locating takes `filename`. The result is always empty.
@@ -50,8 +54,11 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    const BrowserFlavour& m_flavour;
-    const BrowserControls& m_ui;
+    const BrowserBehaviour& m_behaviour;
+    const PaneControls& m_paneControls;
+    const PathControls& m_paths;
+    const ModeControls& m_mode;
+    const PlayerControls& m_player;
     ResultPanes& m_panes;
     Services m_services;
     QString m_fileName;

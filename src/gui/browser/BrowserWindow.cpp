@@ -2,22 +2,16 @@
 
 #include "BrowserWindow.h"
 
-#include "ClassicLook.h"
-#include "ClickableFrame.h"
-#include "ClickableLabel.h"
+#include "BrowserBuilder.h"
 #include "ListingDriver.h"
-#include "Pictures.h"
-#include "ResultGrid.h"
-#include "ResultList.h"
-#include "ResultPanes.h"
-#include "SaveActions.h"
 #include "actions/ContextMenus.h"
 #include "actions/GoToCell.h"
 #include "actions/ItemActions.h"
-#include "common/RuntimeError.h"
-#include "export/CollectionFolder.h"
+#include "actions/SaveActions.h"
+#include "controls/ClickableFrame.h"
+#include "controls/ClickableLabel.h"
+#include "panes/ResultPanes.h"
 #include "platform/ControlPurposes.h"
-#include "platform/MediaPlayer.h"
 #include "platform/MessageService.h"
 #include "platform/ProgramEnd.h"
 #include "platform/Twips.h"
@@ -29,14 +23,10 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFileSystemModel>
-#include <QHash>
-#include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
-#include <QListView>
-#include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTableView>
 #include <QTreeView>
 
 namespace {
@@ -45,450 +35,91 @@ const QString ShowFileNames = QStringLiteral("Show File Names only");
 const QString HideFileNames = QStringLiteral("Hide File Names only");
 const QString ExecutionTime = QStringLiteral("Execution Time in msec");
 const QString PleaseWait = QStringLiteral(" Pl wait... ");
-constexpr int NarrowWidth = 10530;
-constexpr int WideWidth = 13560;
-
-const QColor LightYellow(0xFF, 0xFF, 0xC0);
-const QColor LightCyan(0xC0, 0xFF, 0xFF);
-
-// Design places in twips, relative to the control's parent. The flavour's own places are added on top.
-QHash<QString, QRect> sharedPlaces()
-{
-    return {
-        {QStringLiteral("Label3"), {105, 105, 1485, 240}},
-        {QStringLiteral("Label2"), {1605, 105, 690, 240}},
-        {QStringLiteral("Label4_3"), {105, 450, 2265, 195}},
-        {QStringLiteral("Drive1"), {105, 690, 2265, 315}},
-        {QStringLiteral("Dir1"), {60, 1065, 2280, 2340}},
-        {QStringLiteral("List_Folders"), {105, 3480, 2265, 405}},
-        {QStringLiteral("CreateTextFiles"), {105, 3930, 2265, 405}},
-        {QStringLiteral("Label9Com"), {105, 4380, 2265, 405}},
-        {QStringLiteral("Frame2"), {60, 4860, 2310, 429}},
-        {QStringLiteral("Label1_0"), {45, 15, 2220, 195}},
-        {QStringLiteral("Label1_5"), {45, 225, 2220, 195}},
-        {QStringLiteral("Frame3"), {60, 5310, 2310, 522}},
-        {QStringLiteral("Label1_3"), {45, 45, 2220, 195}},
-        {QStringLiteral("Label1_6"), {45, 285, 2220, 195}},
-        {QStringLiteral("Image6"), {105, 5895, 360, 360}},
-        {QStringLiteral("Image2"), {555, 5895, 360, 360}},
-        {QStringLiteral("Label10"), {60, 6330, 4800, 165}},
-        {QStringLiteral("Option1"), {135, 120, 705, 225}},
-        {QStringLiteral("Option2"), {1335, 120, 900, 225}},
-        {QStringLiteral("Image3"), {405, 7110, 240, 240}},
-        {QStringLiteral("Image4"), {105, 7215, 240, 240}},
-        {QStringLiteral("Command1"), {1065, 7500, 75, 195}},
-        // Result panes: folder names, file paths, and beyond the narrow window's edge file names and folder paths.
-        {QStringLiteral("pane2"), {2490, 405, 2850, 5925}},
-        {QStringLiteral("pane3"), {5400, 405, 4800, 5910}},
-        {QStringLiteral("Label5"), {5400, 6330, 4785, 195}},
-        {QStringLiteral("Frame4"), {10500, 448, 1320, 420}},
-        {QStringLiteral("Label1_4"), {0, 0, 1320, 195}},
-        {QStringLiteral("Label1_2"), {0, 210, 1320, 195}},
-        {QStringLiteral("pane4"), {10500, 900, 1320, 5925}},
-        {QStringLiteral("pane1"), {11865, 1800, 1470, 3300}},
-        {QStringLiteral("Label1_1"), {11865, 5145, 1470, 195}},
-        // The paths, the file-names toggle and the status line along the bottom.
-        {QStringLiteral("Label4_0"), {690, 210, 1740, 195}},
-        {QStringLiteral("Text1"), {2490, 165, 7740, 285}},
-        {QStringLiteral("Label4_2"), {840, 540, 1530, 195}},
-        {QStringLiteral("Text2"), {2490, 495, 7740, 285}},
-        {QStringLiteral("Label8"), {8895, 885, 1320, 525}},
-        {QStringLiteral("Label11"), {4065, 1455, 1680, 195}},
-        {QStringLiteral("Label4_1"), {6735, 1455, 1710, 195}},
-        // Search section, over the lower part of the file-path pane while it is shown.
-        {QStringLiteral("Frame1"), {5400, 2460, 4800, 3840}},
-        {QStringLiteral("Label1_8"), {120, 270, 4560, 195}},
-        {QStringLiteral("Label9"), {120, 585, 1140, 195}},
-        {QStringLiteral("srchFolder"), {1320, 540, 3360, 285}},
-        {QStringLiteral("SearchFolders"), {120, 930, 2220, 345}},
-        {QStringLiteral("SearchFiles"), {2460, 930, 2220, 345}},
-        {QStringLiteral("List5"), {120, 1365, 4560, 2070}},
-        {QStringLiteral("Label1_7"), {120, 3495, 4560, 195}},
-        // Player frame contents.
-        {QStringLiteral("WindowsMediaPlayer1"), {120, 345, 4530, 3180}},
-        {QStringLiteral("close0"), {120, 60, 1200, 240}},
-        {QStringLiteral("close1"), {3450, 3600, 1200, 240}},
-        // LongBrowser's go-to frame and banner, in the free band of the bottom frame.
-        {QStringLiteral("Frame5"), {105, 855, 8640, 540}},
-        {QStringLiteral("GoToFolder"), {0, 90, 1860, 345}},
-        {QStringLiteral("Text4"), {1905, 120, 900, 285}},
-        {QStringLiteral("GoToFilePath"), {2925, 90, 1860, 345}},
-        {QStringLiteral("Text3"), {4830, 120, 900, 285}},
-        {QStringLiteral("GoToFile"), {5850, 90, 1860, 345}},
-        {QStringLiteral("Text5"), {7755, 120, 885, 285}},
-        {QStringLiteral("Image1"), {105, 855, 2340, 540}},
-    };
-}
-
-QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text)
-{
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    return label;
-}
-
-void setBackground(QWidget* w, const QColor& colour)
-{
-    QPalette pal = w->palette();
-    pal.setColor(QPalette::Window, colour);
-    w->setPalette(pal);
-    w->setAutoFillBackground(true);
-}
-
-void sunken(QLabel* label)
-{
-    label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-}
 
 } // namespace
 
 BrowserWindow::BrowserWindow(const BrowserFlavour& flavour, const Services& services, QWidget* optionsWindow)
     : m_flavour(flavour), m_services(services), m_options(optionsWindow)
 {
-    setObjectName(flavour.objectName);
-    setWindowTitle(flavour.caption);
-    buildWindow();
-    m_panes = new ResultPanes(m_flavour, m_ui, this);
-    m_driver = new ListingDriver(m_flavour, m_ui, *m_panes, m_services, this);
-    connect(m_ui.List_Folders, &QPushButton::clicked, m_driver, &ListingDriver::List_Folders_Click);
+    setObjectName(flavour.texts.objectName);
+    setWindowTitle(flavour.texts.caption);
+    m_ui = BrowserBuilder::build(this, m_flavour);
+    fitLabel2();
+    fillDrives();
+    wireNavigation();
+    wireWindowControls();
+
+    const BrowserBehaviour& behaviour = m_flavour.behaviour;
+    m_panes = new ResultPanes(behaviour, m_ui.panes, m_ui.paths, m_ui.status, this);
+    m_driver = new ListingDriver(behaviour, m_ui.navigation, m_ui.status, m_ui.goTo, *m_panes, m_services, this);
+    connect(m_ui.navigation.List_Folders, &QPushButton::clicked, m_driver, &ListingDriver::List_Folders_Click);
     connect(m_driver, &ListingDriver::finished, this, &BrowserWindow::scanFinished);
-    auto* saves = new SaveActions(*this, m_services);
-    new ContextMenus(*this, m_services, *saves);
-    m_actions = new ItemActions(m_flavour, m_ui, *m_panes, m_services, this);
-    m_search = new SearchSection(m_flavour, m_ui, *m_panes, *m_actions, m_services, this);
-    if (m_flavour.hasGoToFrame)
-        m_goTo = new GoToCell(m_ui, *m_panes, m_services, *this);
+    auto* saves = new SaveActions(behaviour, m_ui.navigation, m_ui.status, *m_panes, m_services, this);
+    m_actions = new ItemActions(behaviour, m_ui.panes, m_ui.paths, m_ui.mode, m_ui.player, *m_panes, m_services, this);
+    new ContextMenus(m_flavour, m_ui.menus, m_ui.panes, m_ui.paths, *m_panes, *m_actions, *saves, m_services, this);
+    m_search = new SearchSection(behaviour, m_ui.search, m_ui.navigation, m_ui.paths, m_ui.status, *m_panes, *m_actions,
+                                 m_services, this);
+    if (behaviour.hasGoToFrame)
+        m_goTo = new GoToCell(m_ui.goTo, m_ui.panes, *m_panes, m_services, *this, this);
     ControlPurposes::nameBrowserControls(this, m_flavour);
     Form_Load();
 }
 
-BrowserWindow::~BrowserWindow() = default;
-
-QRect BrowserWindow::designRect(const QString& name) const
+void BrowserWindow::wireNavigation()
 {
-    static const QHash<QString, QRect> shared = sharedPlaces();
-    if (name == QLatin1String("Label2"))
-        return QRect(m_flavour.label2Left, 105, 690, 240);
-    if (name == m_flavour.modeFrameName)
-        return m_flavour.modeFrameTwips;
-    if (name == m_flavour.playerFrameName)
-        return m_flavour.playerFrameTwips;
-    if (name == QLatin1String("pathFrame"))
-        return QRect(0, m_flavour.pathFrameTop, 14000, 1665);
-    for (int n = 1; n <= 4; ++n) {
-        if (name == m_flavour.paneName(n))
-            return shared.value(QStringLiteral("pane") + QString::number(n));
-    }
-    return shared.value(name);
-}
-
-void BrowserWindow::buildWindow()
-{
-    setFont(ClassicLook::uiFont());
-    const QSize client = m_flavour.clientTwips;
-    resize(Twips::toPx(client.width()), Twips::toPx(client.height()));
-    move(Twips::toPx(45), Twips::toPx(330));
-
-    buildNavigation();
-    buildPanes();
-    buildPathFrame();
-    buildModeAndPictures();
-    buildSearchSection();
-    buildPlayerFrame();
-    if (m_flavour.hasGoToFrame)
-        buildGoToFrame();
-    buildMenus();
-
-    // Placed once from the design; afterwards the resize rule keeps them.
-    const auto widgets = findChildren<QWidget*>();
-    for (QWidget* w : widgets) {
-        const QRect r = designRect(w->objectName());
-        if (!r.isNull())
-            Twips::place(w, r);
-    }
-    ClassicLook::fitLabels(this);
-    fitLabel2();
-}
-
-void BrowserWindow::buildNavigation()
-{
-    m_ui.Label3 = makeLabel(this, QStringLiteral("Label3"), QStringLiteral(" Parent Folder: "));
-    m_ui.Label2 = makeLabel(this, QStringLiteral("Label2"), QString());
-    QFont bold = m_ui.Label2->font();
-    bold.setBold(true);
-    m_ui.Label2->setFont(bold);
-    m_ui.Label2->setTextInteractionFlags(Qt::TextSelectableByMouse);
-
-    m_ui.Label4[3] = makeLabel(this, QStringLiteral("Label4_3"), QStringLiteral("  DRIVE "));
-    m_ui.Label4[3]->setAlignment(Qt::AlignCenter);
-    sunken(m_ui.Label4[3]);
-    setBackground(m_ui.Label4[3], LightYellow);
-
-    m_ui.Drive1 = new QComboBox(this);
-    m_ui.Drive1->setObjectName(QStringLiteral("Drive1"));
-    fillDrives();
-
+    const NavigationControls& nav = m_ui.navigation;
     m_dirModel = new QFileSystemModel(this);
     m_dirModel->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
     m_dirModel->setReadOnly(true);
-    m_ui.Dir1 = new QTreeView(this);
-    m_ui.Dir1->setObjectName(QStringLiteral("Dir1"));
-    m_ui.Dir1->setModel(m_dirModel);
-    m_ui.Dir1->setHeaderHidden(true);
+    nav.Dir1->setModel(m_dirModel);
     for (int column = 1; column < m_dirModel->columnCount(); ++column)
-        m_ui.Dir1->hideColumn(column);
-    m_ui.Dir1->setUniformRowHeights(true);
+        nav.Dir1->hideColumn(column);
 
-    m_ui.List_Folders = new QPushButton(QStringLiteral("List All Folders && Files"), this);
-    m_ui.List_Folders->setObjectName(QStringLiteral("List_Folders"));
-    m_ui.CreateTextFiles = new QPushButton(QStringLiteral("Create Text Files"), this);
-    m_ui.CreateTextFiles->setObjectName(QStringLiteral("CreateTextFiles"));
-    m_ui.Label9Com = new QPushButton(QStringLiteral("Show/ Hide Search Section"), this);
-    m_ui.Label9Com->setObjectName(QStringLiteral("Label9Com"));
-    m_ui.Command1 = new QPushButton(QStringLiteral("Command1"), this);
-    m_ui.Command1->setObjectName(QStringLiteral("Command1"));
-    m_ui.Command1->hide();
-
-    connect(m_ui.Drive1, &QComboBox::currentIndexChanged, this, [this] { Drive1_Change(); });
-    connect(m_ui.Dir1->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex& current) {
-                if (current.isValid())
-                    setDir1Path(m_dirModel->filePath(current));
-            });
-    connect(m_ui.Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
+    connect(nav.Drive1, &QComboBox::currentIndexChanged, this, [this] { Drive1_Change(); });
+    connect(nav.Dir1->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
+        if (current.isValid())
+            setDir1Path(m_dirModel->filePath(current));
+    });
+    connect(nav.Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
     // The model reads folders in the background; the current folder can only be shown once its parents are in.
     connect(m_dirModel, &QFileSystemModel::directoryLoaded, this, [this] {
         const QModelIndex index = m_dirModel->index(m_dir1Path);
-        if (index.isValid() && m_ui.Dir1->currentIndex() != index)
-            m_ui.Dir1->setCurrentIndex(index);
-        m_ui.Dir1->scrollTo(index);
+        if (index.isValid() && m_ui.navigation.Dir1->currentIndex() != index)
+            m_ui.navigation.Dir1->setCurrentIndex(index);
+        m_ui.navigation.Dir1->scrollTo(index);
     });
 }
 
+void BrowserWindow::wireWindowControls()
+{
+    connect(m_ui.paths.Label8, &ClickableLabel::clicked, this, [this] { Label8_Click(); });
+    connect(m_ui.status.Label11, &ClickableLabel::doubleClicked, this, [this] { Label11_DblClick(); });
+    connect(m_ui.mode.Option1, &QRadioButton::clicked, this, [this] { Option1_Click(); });
+    connect(m_ui.mode.Option2, &QRadioButton::clicked, this, [this] { Option2_Click(); });
+    connect(m_ui.mode.Image6, &ClickableLabel::clicked, this, [this] { Image6_Click(); });
+    connect(m_ui.mode.Image2, &ClickableLabel::clicked, this, [this] { Image2_Click(); });
+    for (ClickableLabel* label : m_ui.player.clickToClose)
+        connect(label, &ClickableLabel::clicked, this, [this] { playerFrame_Click(); });
+    connect(m_ui.player.playerFrame, &ClickableFrame::clicked, this, [this] { playerFrame_Click(); });
+}
+
+BrowserWindow::~BrowserWindow() = default;
+
 void BrowserWindow::fillDrives()
 {
-    const QSignalBlocker block(m_ui.Drive1);
-    m_ui.Drive1->clear();
+    const QSignalBlocker block(m_ui.navigation.Drive1);
+    m_ui.navigation.Drive1->clear();
     for (const Volume& v : m_services.volumes->volumes())
-        m_ui.Drive1->addItem(v.driveText());
+        m_ui.navigation.Drive1->addItem(v.driveText());
     // The selector starts on the drive of the current folder, as the folder tree starts in that folder.
-    const int current = m_ui.Drive1->findText(m_services.volumes->volumeOf(QDir::currentPath()).driveText());
-    m_ui.Drive1->setCurrentIndex(current >= 0 ? current : 0);
-}
-
-void BrowserWindow::buildPanes()
-{
-    const bool grids = m_flavour.panes == BrowserFlavour::Panes::Grids;
-    for (int n = 1; n <= 4; ++n) {
-        if (grids) {
-            auto* grid = new ResultGrid(this);
-            grid->setObjectName(m_flavour.paneName(n));
-            m_ui.MSFlexGrid[n] = grid;
-        } else {
-            auto* list = new ResultList(this);
-            list->setObjectName(m_flavour.paneName(n));
-            m_ui.List[n] = list;
-        }
-    }
-    // The file-name list allows several selected entries; its click handler relies on that.
-    if (!grids)
-        m_ui.List[4]->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    // The counters: folders in Frame2, file paths in Frame3, file names in Frame4 above their pane.
-    m_ui.Frame2 = new QFrame(this);
-    m_ui.Frame2->setObjectName(QStringLiteral("Frame2"));
-    m_ui.Frame3 = new QFrame(this);
-    m_ui.Frame3->setObjectName(QStringLiteral("Frame3"));
-    m_ui.Frame4 = new QFrame(this);
-    m_ui.Frame4->setObjectName(QStringLiteral("Frame4"));
-
-    QWidget* parents[9] = {m_ui.Frame2, this,        m_ui.Frame4, m_ui.Frame3, m_ui.Frame4,
-                           m_ui.Frame2, m_ui.Frame3, nullptr,     nullptr}; // 7 and 8 belong to the search section
-    for (int i = 0; i < 7; ++i)
-        m_ui.Label1[i] = makeLabel(parents[i], QStringLiteral("Label1_") + QString::number(i), QString());
-
-    m_ui.Label5 = makeLabel(this, QStringLiteral("Label5"), QString());
-    m_ui.Label5->setAlignment(Qt::AlignCenter);
-}
-
-void BrowserWindow::buildPathFrame()
-{
-    m_ui.pathFrame = new QFrame(this);
-    m_ui.pathFrame->setObjectName(QStringLiteral("pathFrame"));
-    QFrame* f = m_ui.pathFrame;
-
-    m_ui.Label4[0] = makeLabel(f, QStringLiteral("Label4_0"), QStringLiteral(" Selected Folder's Path: "));
-    m_ui.Label4[2] = makeLabel(f, QStringLiteral("Label4_2"), QStringLiteral(" Selected File's Path: "));
-    m_ui.Label4[0]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_ui.Label4[2]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_ui.Text1 = new QLineEdit(f);
-    m_ui.Text1->setObjectName(QStringLiteral("Text1"));
-    m_ui.Text2 = new QLineEdit(f);
-    m_ui.Text2->setObjectName(QStringLiteral("Text2"));
-
-    m_ui.Label8 = new ClickableLabel(ShowFileNames, f);
-    m_ui.Label8->setObjectName(QStringLiteral("Label8"));
-    m_ui.Label8->setAlignment(Qt::AlignCenter);
-    m_ui.Label8->setWordWrap(true);
-    m_ui.Label8->setCursor(Qt::PointingHandCursor);
-    m_ui.Label8->setFrameStyle(QFrame::Panel | QFrame::Raised);
-    setBackground(m_ui.Label8, LightCyan);
-
-    m_ui.Label11 = new ClickableLabel(ExecutionTime, f);
-    m_ui.Label11->setObjectName(QStringLiteral("Label11"));
-    m_ui.Label11->setAlignment(Qt::AlignCenter);
-    sunken(m_ui.Label11);
-    m_ui.Label11->setAutoFillBackground(true);
-
-    const CollectionFolder collection;
-    m_ui.Label4[1] =
-        makeLabel(f, QStringLiteral("Label4_1"), QStringLiteral("Saves in ") + collection.pathWithSeparator());
-    // The collection folder's path is the user's own and may be long: the label grows to the right, into free
-    // space, rather than over the timing label on its left.
-    m_ui.Label4[1]->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    sunken(m_ui.Label4[1]);
-
-    connect(m_ui.Label8, &ClickableLabel::clicked, this, [this] { Label8_Click(); });
-    connect(m_ui.Label11, &ClickableLabel::doubleClicked, this, [this] { Label11_DblClick(); });
-}
-
-void BrowserWindow::buildModeAndPictures()
-{
-    m_ui.Label10 = makeLabel(this, QStringLiteral("Label10"), m_flavour.label10Text);
-
-    m_ui.modeFrame = new QFrame(this);
-    m_ui.modeFrame->setObjectName(m_flavour.modeFrameName);
-    m_ui.Option1 = new QRadioButton(QStringLiteral("Open"), m_ui.modeFrame);
-    m_ui.Option1->setObjectName(QStringLiteral("Option1"));
-    m_ui.Option2 = new QRadioButton(QStringLiteral("Locate"), m_ui.modeFrame);
-    m_ui.Option2->setObjectName(QStringLiteral("Option2"));
-    m_ui.Option2->setChecked(true);
-    connect(m_ui.Option1, &QRadioButton::clicked, this, [this] { Option1_Click(); });
-    connect(m_ui.Option2, &QRadioButton::clicked, this, [this] { Option2_Click(); });
-
-    const int icon = Twips::toPx(360);
-    auto picture = [this](const QString& name, const QPixmap& pm) {
-        auto* image = new ClickableLabel(this);
-        image->setObjectName(name);
-        image->setPixmap(pm);
-        image->setScaledContents(true);
-        return image;
-    };
-    m_ui.Image6 = picture(QStringLiteral("Image6"), Pictures::backToOptions(icon));
-    m_ui.Image6->setToolTip(QStringLiteral("Go to Option Selection Screen"));
-    m_ui.Image6->setCursor(Qt::PointingHandCursor);
-    m_ui.Image2 = picture(QStringLiteral("Image2"), Pictures::about(icon));
-    m_ui.Image2->setCursor(Qt::PointingHandCursor);
-    m_ui.Image3 = picture(QStringLiteral("Image3"), Pictures::folder(Twips::toPx(240)));
-    m_ui.Image4 = picture(QStringLiteral("Image4"), Pictures::file(Twips::toPx(240)));
-    connect(m_ui.Image6, &ClickableLabel::clicked, this, [this] { Image6_Click(); });
-    connect(m_ui.Image2, &ClickableLabel::clicked, this, [this] { Image2_Click(); });
-}
-
-void BrowserWindow::buildSearchSection()
-{
-    auto* frame = new QFrame(this);
-    frame->setObjectName(QStringLiteral("Frame1"));
-    frame->setFrameStyle(QFrame::Box | QFrame::Raised);
-    frame->setAutoFillBackground(true);
-    m_ui.Frame1 = frame;
-    auto* title = makeLabel(frame, QStringLiteral("Frame1Caption"), QStringLiteral("Search Section:"));
-    title->adjustSize();
-    title->move(Twips::toPx(90), 0);
-    m_ui.Label1[8] = makeLabel(frame, QStringLiteral("Label1_8"),
-                               QStringLiteral("Search for Folders or Files within the Parent Folder"));
-    m_ui.Label9 = makeLabel(frame, QStringLiteral("Label9"), QStringLiteral("Search String"));
-    m_ui.srchFolder = new QLineEdit(frame);
-    m_ui.srchFolder->setObjectName(QStringLiteral("srchFolder"));
-    m_ui.SearchFolders = new QPushButton(QStringLiteral("Search Folders"), frame);
-    m_ui.SearchFolders->setObjectName(QStringLiteral("SearchFolders"));
-    m_ui.SearchFiles = new QPushButton(QStringLiteral("Search Files"), frame);
-    m_ui.SearchFiles->setObjectName(QStringLiteral("SearchFiles"));
-    // A list box like the result lists: the arrow keys run its click as the mouse does.
-    auto* list5 = new ResultList(frame);
-    list5->setObjectName(QStringLiteral("List5"));
-    m_ui.List[5] = list5;
-    m_ui.Label1[7] = makeLabel(frame, QStringLiteral("Label1_7"), QString());
-    frame->hide();
-}
-
-void BrowserWindow::buildPlayerFrame()
-{
-    auto* frame = new ClickableFrame(this);
-    frame->setObjectName(m_flavour.playerFrameName);
-    frame->setFrameStyle(QFrame::Box | QFrame::Raised);
-    frame->setCursor(Qt::PointingHandCursor);
-    frame->setAutoFillBackground(true);
-    m_ui.playerFrame = frame;
-    m_ui.WindowsMediaPlayer1 = new QWidget(frame);
-    m_ui.WindowsMediaPlayer1->setObjectName(QStringLiteral("WindowsMediaPlayer1"));
-    setBackground(m_ui.WindowsMediaPlayer1, Qt::black);
-    for (int i = 0; i < 2; ++i) {
-        auto* label = new ClickableLabel(QStringLiteral("Click to Close"), frame);
-        label->setObjectName(m_flavour.closeLabelName + QLatin1Char('_') + QString::number(i));
-        label->setCursor(Qt::PointingHandCursor);
-        Twips::place(label, designRect(QStringLiteral("close") + QString::number(i)));
-        connect(label, &ClickableLabel::clicked, this, [this] { playerFrame_Click(); });
-        m_ui.clickToClose[i] = label;
-    }
-    connect(frame, &ClickableFrame::clicked, this, [this] { playerFrame_Click(); });
-    frame->hide();
-}
-
-void BrowserWindow::buildGoToFrame()
-{
-    m_ui.Frame5 = new QFrame(m_ui.pathFrame);
-    m_ui.Frame5->setObjectName(QStringLiteral("Frame5"));
-    auto button = [this](const QString& name, const QString& caption) {
-        auto* b = new QPushButton(caption, m_ui.Frame5);
-        b->setObjectName(name);
-        return b;
-    };
-    auto box = [this](const QString& name) {
-        auto* t = new QLineEdit(m_ui.Frame5);
-        t->setObjectName(name);
-        return t;
-    };
-    m_ui.GoToFolder = button(QStringLiteral("GoToFolder"), QStringLiteral("Go To Folder at #"));
-    m_ui.Text4 = box(QStringLiteral("Text4"));
-    m_ui.GoToFilePath = button(QStringLiteral("GoToFilePath"), QStringLiteral("Go To File at #"));
-    m_ui.Text3 = box(QStringLiteral("Text3"));
-    m_ui.GoToFile = button(QStringLiteral("GoToFile"), QStringLiteral("Go To File at #"));
-    m_ui.Text5 = box(QStringLiteral("Text5"));
-    m_ui.Frame5->hide();
-
-    m_ui.Image1 = new ClickableLabel(m_ui.pathFrame);
-    m_ui.Image1->setObjectName(QStringLiteral("Image1"));
-    const QRect r = Twips::toPx(designRect(QStringLiteral("Image1")));
-    m_ui.Image1->setPixmap(Pictures::banner(r.width(), r.height()));
-}
-
-void BrowserWindow::buildMenus()
-{
-    const QString collection = CollectionFolder().path();
-    auto menu = [&](const QString& name, const QString& caption, const QStringList& entries,
-                    const QStringList& captions, int separatorBefore) {
-        auto* m = new QMenu(caption, this);
-        m->setObjectName(name);
-        for (int i = 0; i < entries.size(); ++i) {
-            if (i == separatorBefore)
-                m->addSeparator()->setObjectName(name == QLatin1String("mnuPopUp2") ? QStringLiteral("dash2")
-                                                                                    : QStringLiteral("dash1"));
-            QString text = captions.at(i);
-            text.replace(QStringLiteral("C:\\Quillbox"), collection);
-            m->addAction(text)->setObjectName(entries.at(i));
-        }
-        return m;
-    };
-    m_ui.mnuPopUp2 = menu(QStringLiteral("mnuPopUp2"), m_flavour.folderMenuCaption, m_flavour.folderMenuNames,
-                          m_flavour.folderMenuCaptions, m_flavour.folderMenuSeparatorBefore);
-    m_ui.mnuPopUp = menu(QStringLiteral("mnuPopUp"), m_flavour.fileMenuCaption, m_flavour.fileMenuNames,
-                         m_flavour.fileMenuCaptions, m_flavour.fileMenuSeparatorBefore);
+    const int current = m_ui.navigation.Drive1->findText(m_services.volumes->volumeOf(QDir::currentPath()).driveText());
+    m_ui.navigation.Drive1->setCurrentIndex(current >= 0 ? current : 0);
 }
 
 void BrowserWindow::fitLabel2()
 {
     // The path label grows with its text, starting from its design width.
-    QLabel* label = m_ui.Label2;
+    QLabel* label = m_ui.navigation.Label2;
     const int width = qMax(Twips::toPx(690), label->sizeHint().width());
     label->resize(width, label->height());
 }
@@ -499,12 +130,12 @@ void BrowserWindow::Form_Load()
 {
     const Volume start = m_services.volumes->volumeOf(QDir::currentPath());
     m_dirModel->setRootPath(start.root);
-    m_ui.Dir1->setRootIndex(m_dirModel->index(start.root));
+    m_ui.navigation.Dir1->setRootIndex(m_dirModel->index(start.root));
     // The tree reports the new current folder back; setDir1Path ignores it because the path is already set.
     m_dir1Path = QDir::currentPath();
-    m_ui.Dir1->setCurrentIndex(m_dirModel->index(m_dir1Path));
+    m_ui.navigation.Dir1->setCurrentIndex(m_dirModel->index(m_dir1Path));
     Dir1_Change();
-    m_ui.CreateTextFiles->setEnabled(false);
+    m_ui.navigation.CreateTextFiles->setEnabled(false);
 }
 
 void BrowserWindow::setDir1Path(const QString& path)
@@ -513,14 +144,14 @@ void BrowserWindow::setDir1Path(const QString& path)
         return;
     m_dir1Path = path;
     const QModelIndex index = m_dirModel->index(path);
-    m_ui.Dir1->setCurrentIndex(index);
-    m_ui.Dir1->scrollTo(index);
+    m_ui.navigation.Dir1->setCurrentIndex(index);
+    m_ui.navigation.Dir1->scrollTo(index);
     Dir1_Change();
 }
 
 void BrowserWindow::Dir1_Change()
 {
-    m_ui.Label2->setText(m_dir1Path);
+    m_ui.navigation.Label2->setText(m_dir1Path);
     fitLabel2();
     resetResults();
     ShowDriveCaption();
@@ -532,14 +163,14 @@ void BrowserWindow::resetResults()
 {
     clearPanes();
     for (int i : {0, 1, 3, 4, 6, 2})
-        m_ui.Label1[i]->setText(QString());
-    m_ui.Text1->setText(QString());
-    m_ui.Text2->setText(QString());
-    m_ui.Label1[5]->setText(QString());
-    m_ui.CreateTextFiles->setEnabled(false);
-    m_ui.Label9Com->setEnabled(false);
-    m_ui.Label11->setText(ExecutionTime);
-    m_ui.List_Folders->setEnabled(true);
+        m_ui.status.Label1[i]->setText(QString());
+    m_ui.paths.Text1->setText(QString());
+    m_ui.paths.Text2->setText(QString());
+    m_ui.status.Label1[5]->setText(QString());
+    m_ui.navigation.CreateTextFiles->setEnabled(false);
+    m_ui.navigation.Label9Com->setEnabled(false);
+    m_ui.status.Label11->setText(ExecutionTime);
+    m_ui.navigation.List_Folders->setEnabled(true);
     if (m_search)
         m_search->reset();
 }
@@ -566,10 +197,10 @@ int BrowserWindow::GetRClickedItem(QWidget* MyList, float X, float Y) const
 
 void BrowserWindow::showBannerHideGoTo()
 {
-    if (!m_flavour.hasGoToFrame)
+    if (!m_flavour.behaviour.hasGoToFrame)
         return;
-    m_ui.Image1->show();
-    m_ui.Frame5->hide();
+    m_ui.goTo.Image1->show();
+    m_ui.goTo.Frame5->hide();
 }
 
 RuntimeError::Number BrowserWindow::changeDrive(const QString& driveText)
@@ -590,7 +221,7 @@ RuntimeError::Number BrowserWindow::setDir1PathToDrive(const QString& driveText)
     if (!QDir(v.root).exists())
         return RuntimeError::PathNotFound;
     m_dirModel->setRootPath(v.root);
-    m_ui.Dir1->setRootIndex(m_dirModel->index(v.root));
+    m_ui.navigation.Dir1->setRootIndex(m_dirModel->index(v.root));
     setDir1Path(v.root);
     return RuntimeError::None;
 }
@@ -601,14 +232,14 @@ void BrowserWindow::Drive1_Change()
     // it, so the window ends with the tree hidden and the listing button disabled, and says nothing.
     auto trap = [this](RuntimeError::Number error) {
         if (error == RuntimeError::DeviceUnavailable) {
-            m_ui.Dir1->hide();
-            m_ui.List_Folders->setEnabled(false);
+            m_ui.navigation.Dir1->hide();
+            m_ui.navigation.List_Folders->setEnabled(false);
         }
     };
-    const QString drive = m_ui.Drive1->currentText();
+    const QString drive = m_ui.navigation.Drive1->currentText();
     trap(changeDrive(drive));
-    m_ui.Dir1->show();
-    m_ui.List_Folders->setEnabled(true);
+    m_ui.navigation.Dir1->show();
+    m_ui.navigation.List_Folders->setEnabled(true);
     trap(setDir1PathToDrive(drive));
     Dir1_Change();
     resetResults();
@@ -631,21 +262,21 @@ QString BrowserWindow::GetDriveName(const QString& driveLetter) const
 
 void BrowserWindow::ShowDriveCaption()
 {
-    m_driveText = m_ui.Drive1->currentText();
+    m_driveText = m_ui.navigation.Drive1->currentText();
     // Where Windows takes a drive letter, a volume is named here by its root.
     bool found = false;
     const Volume v = m_services.volumes->find(m_driveText, &found);
     const QString type = DriveTypeInfo(found ? v.root : m_driveText);
     const QString label = GetDriveName(m_driveText);
-    m_ui.Label4[3]->setText(DriveCaption::caption(m_driveText, type, label));
+    m_ui.status.Label4[3]->setText(DriveCaption::caption(m_driveText, type, label));
 }
 
 void BrowserWindow::Command1_Click()
 {
     bool found = false;
-    const Volume v = m_services.volumes->find(m_ui.Drive1->currentText(), &found);
+    const Volume v = m_services.volumes->find(m_ui.navigation.Drive1->currentText(), &found);
     m_services.messages->message(QStringLiteral("The drive is of the type ") +
-                                     DriveTypeInfo(found ? v.root : m_ui.Drive1->currentText()),
+                                     DriveTypeInfo(found ? v.root : m_ui.navigation.Drive1->currentText()),
                                  MessageStyle::Plain);
 }
 
@@ -653,24 +284,29 @@ void BrowserWindow::Command1_Click()
 
 bool BrowserWindow::openMode() const
 {
-    return m_ui.Option1->isChecked();
+    return m_ui.mode.Option1->isChecked();
 }
 
 void BrowserWindow::Label8_Click()
 {
-    if (m_ui.Label8->text() == ShowFileNames) {
-        setOuterWidth(WideWidth);
-        m_ui.Label8->setText(HideFileNames);
+    if (m_ui.paths.Label8->text() == ShowFileNames) {
+        setOuterWidth(m_flavour.layout.wideWidth);
+        m_ui.paths.Label8->setText(HideFileNames);
     } else {
-        setOuterWidth(NarrowWidth);
-        m_ui.Label8->setText(ShowFileNames);
+        setOuterWidth(m_flavour.layout.narrowWidth);
+        m_ui.paths.Label8->setText(ShowFileNames);
     }
+}
+
+bool BrowserWindow::hasDesignSize() const
+{
+    return !(windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen));
 }
 
 void BrowserWindow::showFileNames()
 {
-    setOuterWidth(WideWidth);
-    m_ui.Label8->setText(HideFileNames);
+    setOuterWidth(m_flavour.layout.wideWidth);
+    m_ui.paths.Label8->setText(HideFileNames);
 }
 
 void BrowserWindow::setOuterWidth(int twips)
@@ -727,7 +363,7 @@ void BrowserWindow::Image6_Click()
 
 void BrowserWindow::Label11_DblClick()
 {
-    if (m_ui.Label11->text() == PleaseWait) {
+    if (m_ui.status.Label11->text() == PleaseWait) {
         m_driver->cancel();
         m_services.programEnd->end();
     }
@@ -757,42 +393,42 @@ void BrowserWindow::changeEvent(QEvent* event)
 
 void BrowserWindow::applyLayout()
 {
-    if (m_applyingLayout || !m_ui.Label8)
+    if (m_applyingLayout || !m_ui.paths.Label8)
         return;
     m_applyingLayout = true;
     const bool maximised = isMaximized();
     // The same properties in both states: design values when normal, values from the window's size when
     // maximised, where the file-path pane reaches to the file-name pane and the path boxes to the right edge.
-    for (const BrowserFlavour::Restore& step : m_flavour.restore) {
+    for (const BrowserLayout::Restore& step : m_flavour.layout.restore) {
         auto* w = findChild<QWidget*>(step.control);
         if (!w)
             continue;
         int px = Twips::toPx(step.twips);
         if (maximised) {
-            if (step.control == m_flavour.paneName(3) && step.property == BrowserFlavour::Restore::Width)
-                px = m_ui.Frame4->x() - w->x() - Twips::toPx(60);
-            else if (step.control == QLatin1String("Label5") && step.property == BrowserFlavour::Restore::Width)
-                px = findChild<QWidget*>(m_flavour.paneName(3))->width() - 1;
+            if (step.control == m_flavour.behaviour.paneName(3) && step.property == BrowserLayout::Restore::Width)
+                px = m_ui.status.Frame4->x() - w->x() - Twips::toPx(60);
+            else if (step.control == QLatin1String("Label5") && step.property == BrowserLayout::Restore::Width)
+                px = findChild<QWidget*>(m_flavour.behaviour.paneName(3))->width() - 1;
             else if (step.control.startsWith(QLatin1String("Text")))
                 px = width() - w->x() - Twips::toPx(105);
-            else if (w == m_ui.playerFrame)
+            else if (w == m_ui.player.playerFrame)
                 px = (width() - w->width()) / 2;
         }
         switch (step.property) {
-        case BrowserFlavour::Restore::Left:
+        case BrowserLayout::Restore::Left:
             w->move(px, w->y());
             break;
-        case BrowserFlavour::Restore::Top:
+        case BrowserLayout::Restore::Top:
             w->move(w->x(), px);
             break;
-        case BrowserFlavour::Restore::Width:
+        case BrowserLayout::Restore::Width:
             w->resize(px, w->height());
             break;
-        case BrowserFlavour::Restore::Height:
+        case BrowserLayout::Restore::Height:
             w->resize(w->width(), px);
             break;
         }
     }
-    m_ui.Label8->setEnabled(!maximised);
+    m_ui.paths.Label8->setEnabled(!maximised);
     m_applyingLayout = false;
 }

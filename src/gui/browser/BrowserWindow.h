@@ -2,9 +2,10 @@
 
 #pragma once
 
-#include "BrowserControls.h"
-#include "BrowserFlavour.h"
+#include "actions/BrowserHost.h"
 #include "common/RuntimeError.h"
+#include "controls/BrowserControls.h"
+#include "flavour/BrowserFlavour.h"
 #include "platform/Services.h"
 
 #include <QPointer>
@@ -22,7 +23,7 @@ class SearchSection;
 // The browser window, in either flavour (ShortBrowser with list boxes, LongBrowser with grids): the drive
 // selector and folder tree, the result panes and their status labels, the Open/Locate mode and the ways back
 // to Options and out of the program. The listing and the actions on its results build on the controls here.
-class BrowserWindow : public QWidget
+class BrowserWindow : public QWidget, public BrowserHost
 {
     Q_OBJECT
 public:
@@ -51,8 +52,9 @@ public:
     QString GetDriveName(const QString& driveLetter) const;
     void ShowDriveCaption();
 
+    bool hasDesignSize() const override;
     // The wide state of the file-names toggle: the window at 13,560 twips, Label8 offering to hide the names.
-    void showFileNames();
+    void showFileNames() override;
     ItemActions& actions() const { return *m_actions; }
     SearchSection& search() const { return *m_search; }
 
@@ -66,17 +68,9 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void buildWindow();
-    void buildNavigation();
-    void buildPanes();
-    void buildPathFrame();
-    void buildModeAndPictures();
-    void buildSearchSection();
-    void buildPlayerFrame();
-    void buildGoToFrame();
-    void buildMenus();
+    void wireNavigation();
+    void wireWindowControls();
     void fillDrives();
-    QRect designRect(const QString& name) const;
 
     void Form_Load();
     void Dir1_Change();

@@ -2,12 +2,11 @@
 
 #include "ListingDriver.h"
 
-#include "ClickableLabel.h"
-#include "ResultPanes.h"
 #include "common/NativeText.h"
 #include "common/NumberText.h"
+#include "controls/ClickableLabel.h"
+#include "panes/ResultPanes.h"
 #include "platform/MessageService.h"
-#include "platform/Twips.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -53,15 +52,12 @@ bool isInput(QEvent::Type type)
 
 } // namespace
 
-ListingDriver::ListingDriver(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes,
+ListingDriver::ListingDriver(const BrowserBehaviour& behaviour, const NavigationControls& navigation,
+                             const StatusControls& status, const GoToControls& goTo, ResultPanes& panes,
                              const Services& services, QWidget* window)
-    : QObject(window), m_flavour(flavour), m_ui(ui), m_panes(panes), m_services(services), m_window(window)
+    : QObject(window), m_behaviour(behaviour), m_navigation(navigation), m_status(status), m_goToControls(goTo),
+      m_panes(panes), m_services(services), m_window(window), m_progress(status.scanProgress)
 {
-    m_progress = new QLabel(m_ui.pathFrame);
-    m_progress->setObjectName(QStringLiteral("scanProgress"));
-    m_progress->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    Twips::place(m_progress, QRect(105, 1455, 3900, 195));
-    m_progress->hide();
 
     m_progressTimer.setInterval(100);
     connect(&m_progressTimer, &QTimer::timeout, this, [this] { showProgress(); });
@@ -80,9 +76,9 @@ void ListingDriver::List_Folders_Click()
         return;
     begin();
     WalkOptions options;
-    options.flavour = m_flavour.walk;
+    options.flavour = m_behaviour.walk;
     options.carry = m_carry;
-    m_job.start(NativeText::fromDisplay(m_ui.Label2->text()), options);
+    m_job.start(NativeText::fromDisplay(m_navigation.Label2->text()), options);
 
     qApp->installEventFilter(this);
     m_blocking = true;
@@ -132,7 +128,7 @@ bool ListingDriver::eventFilter(QObject* watched, QEvent* event)
     if (widget->window() != m_window)
         return false;
     // The way out while the walk runs.
-    if (widget == m_ui.Label11 && event->type() == QEvent::MouseButtonDblClick)
+    if (widget == m_status.Label11 && event->type() == QEvent::MouseButtonDblClick)
         return false;
     return true;
 }
@@ -141,9 +137,9 @@ void ListingDriver::begin()
 {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     m_hourglass = true;
-    m_ui.Label11->setAutoFillBackground(true);
-    setLabelBackground(m_ui.Label11, QColor(255, 128, 128));
-    m_ui.Label11->setText(PleaseWait);
+    m_status.Label11->setAutoFillBackground(true);
+    setLabelBackground(m_status.Label11, QColor(255, 128, 128));
+    m_status.Label11->setText(PleaseWait);
     m_clock.start();
     m_panes.clear();
 }
@@ -161,30 +157,30 @@ void ListingDriver::walked(std::shared_ptr<const ScanResult> result)
         m_panes.fill(2);
     }
     m_panes.fill(3);
-    if (m_flavour.fileNamesBeforeSelection)
+    if (m_behaviour.fileNamesBeforeSelection)
         m_panes.fill(4);
     if (result->limitReached())
         m_services.messages->message(ScanResult::limitMessage(), MessageStyle::Critical);
 
     // The first of these is always overwritten just below; it was never meant to stay.
-    m_ui.Label1[2]->setText(QStringLiteral("Total Folders: ") + QString::number(m_panes.rowCount(4)));
-    m_ui.Label1[3]->setText(QStringLiteral("Total Files with path: ") + QString::number(m_panes.rowCount(3)));
-    m_ui.Label1[4]->setText(QStringLiteral("Total Files: ") + QString::number(m_panes.rowCount(3)));
+    m_status.Label1[2]->setText(QStringLiteral("Total Folders: ") + QString::number(m_panes.rowCount(4)));
+    m_status.Label1[3]->setText(QStringLiteral("Total Files with path: ") + QString::number(m_panes.rowCount(3)));
+    m_status.Label1[4]->setText(QStringLiteral("Total Files: ") + QString::number(m_panes.rowCount(3)));
 
     // An empty pane cannot be selected; its label is written all the same.
     const std::pair<int, int> paneLabels[] = {{1, 1}, {2, 5}, {3, 6}, {4, 2}};
     for (const auto& [pane, label] : paneLabels) {
         m_panes.selectFirst(pane);
-        m_ui.Label1[label]->setText(QStringLiteral("Selected: 1"));
+        m_status.Label1[label]->setText(QStringLiteral("Selected: 1"));
     }
 
     if (noFolder) {
         m_panes.fill(1);
         m_panes.fill(2);
-        m_ui.Label1[1]->setText(QString());
-        m_ui.Label1[5]->setText(QString());
-        if (m_flavour.noFolderShowsFileCount)
-            m_ui.Label1[6]->setText(QString::number(m_panes.rowCount(3)));
+        m_status.Label1[1]->setText(QString());
+        m_status.Label1[5]->setText(QString());
+        if (m_behaviour.noFolderShowsFileCount)
+            m_status.Label1[6]->setText(QString::number(m_panes.rowCount(3)));
         // A grid with rows always has a current cell; a list box has no selection until one is made.
         if (m_panes.grids()) {
             m_panes.selectFirst(1);
@@ -192,26 +188,26 @@ void ListingDriver::walked(std::shared_ptr<const ScanResult> result)
         }
     } else {
         const qint64 folders = m_panes.grids() ? m_panes.rowCount(1) : result->folderCount();
-        m_ui.Label1[0]->setText(QStringLiteral("Total Folders: ") + QString::number(folders));
+        m_status.Label1[0]->setText(QStringLiteral("Total Folders: ") + QString::number(folders));
     }
 
-    if (!m_flavour.fileNamesBeforeSelection)
+    if (!m_behaviour.fileNamesBeforeSelection)
         m_panes.fill(4);
-    m_ui.Label9Com->setEnabled(true);
+    m_navigation.Label9Com->setEnabled(true);
 
-    setLabelBackground(m_ui.Label11, QApplication::palette().color(QPalette::Button));
-    m_ui.Label11->setText(QStringLiteral("Elapsed time: ") + NumberText::seconds(m_clock.elapsed()) +
-                          QStringLiteral(" sec"));
+    setLabelBackground(m_status.Label11, QApplication::palette().color(QPalette::Button));
+    m_status.Label11->setText(QStringLiteral("Elapsed time: ") + NumberText::seconds(m_clock.elapsed()) +
+                              QStringLiteral(" sec"));
 
     if (m_hourglass) {
         QApplication::restoreOverrideCursor();
         m_hourglass = false;
     }
-    m_ui.List_Folders->setEnabled(false);
-    m_ui.CreateTextFiles->setEnabled(true);
-    if (m_flavour.hasGoToFrame) {
-        m_ui.Image1->hide();
-        m_ui.Frame5->show();
+    m_navigation.List_Folders->setEnabled(false);
+    m_navigation.CreateTextFiles->setEnabled(true);
+    if (m_behaviour.hasGoToFrame) {
+        m_goToControls.Image1->hide();
+        m_goToControls.Frame5->show();
     }
     emit finished();
 }

@@ -2,8 +2,10 @@
 
 #pragma once
 
-#include "BrowserControls.h"
-#include "BrowserFlavour.h"
+#include "controls/GoToControls.h"
+#include "controls/NavigationControls.h"
+#include "controls/StatusControls.h"
+#include "flavour/BrowserBehaviour.h"
 #include "platform/Services.h"
 #include "scan/ScanJob.h"
 
@@ -26,8 +28,8 @@ class ListingDriver : public QObject
 {
     Q_OBJECT
 public:
-    ListingDriver(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes,
-                  const Services& services, QWidget* window);
+    ListingDriver(const BrowserBehaviour& behaviour, const NavigationControls& navigation, const StatusControls& status,
+                  const GoToControls& goTo, ResultPanes& panes, const Services& services, QWidget* window);
     ~ListingDriver() override;
 
     // The click on List_Folders.
@@ -52,8 +54,10 @@ private:
     void stopWaiting();
     void showProgress();
 
-    const BrowserFlavour& m_flavour;
-    const BrowserControls& m_ui;
+    const BrowserBehaviour& m_behaviour;
+    const NavigationControls& m_navigation;
+    const StatusControls& m_status;
+    const GoToControls& m_goToControls;
     ResultPanes& m_panes;
     Services m_services;
     QWidget* m_window;

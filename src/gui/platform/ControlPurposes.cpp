@@ -2,7 +2,7 @@
 
 #include "ControlPurposes.h"
 
-#include "browser/BrowserFlavour.h"
+#include "flavour/BrowserFlavour.h"
 
 #include <QAbstractButton>
 #include <QLabel>
@@ -52,17 +52,17 @@ void nameBrowserControls(QWidget* browser, const BrowserFlavour& flavour)
     QList<Purpose> purposes = {
         {QStringLiteral("Drive1"), QStringLiteral("Drive")},
         {QStringLiteral("Dir1"), QStringLiteral("Folders of the drive")},
-        {flavour.paneName(1), QStringLiteral("Folders with their paths")},
-        {flavour.paneName(2), QStringLiteral("Folder names with their sizes")},
-        {flavour.paneName(3), QStringLiteral("Files with their paths")},
-        {flavour.paneName(4), QStringLiteral("File names")},
+        {flavour.behaviour.paneName(1), QStringLiteral("Folders with their paths")},
+        {flavour.behaviour.paneName(2), QStringLiteral("Folder names with their sizes")},
+        {flavour.behaviour.paneName(3), QStringLiteral("Files with their paths")},
+        {flavour.behaviour.paneName(4), QStringLiteral("File names")},
         {QStringLiteral("Frame2"), QStringLiteral("Folder totals")},
         {QStringLiteral("Frame3"), QStringLiteral("File path totals")},
         {QStringLiteral("Frame4"), QStringLiteral("File name totals")},
         {QStringLiteral("pathFrame"), QStringLiteral("Selected paths")},
         {QStringLiteral("Text1"), QStringLiteral("Selected folder's path")},
         {QStringLiteral("Text2"), QStringLiteral("Selected file's path")},
-        {flavour.modeFrameName, QStringLiteral("What a double-click does")},
+        {flavour.texts.modeFrameName, QStringLiteral("What a double-click does")},
         {QStringLiteral("Image6"), QStringLiteral("Go to Option Selection Screen")},
         {QStringLiteral("Image2"), QStringLiteral("About Quillary")},
         {QStringLiteral("Image3"), QStringLiteral("Folder")},
@@ -70,12 +70,12 @@ void nameBrowserControls(QWidget* browser, const BrowserFlavour& flavour)
         {QStringLiteral("Frame1"), QStringLiteral("Search section")},
         {QStringLiteral("srchFolder"), QStringLiteral("Search string")},
         {QStringLiteral("List5"), QStringLiteral("Search results")},
-        {flavour.playerFrameName, QStringLiteral("Media player, click to close")},
+        {flavour.texts.playerFrameName, QStringLiteral("Media player, click to close")},
         {QStringLiteral("WindowsMediaPlayer1"), QStringLiteral("Media player")},
         {QStringLiteral("mnuPopUp2"), QStringLiteral("Folder menu")},
         {QStringLiteral("mnuPopUp"), QStringLiteral("File menu")},
     };
-    if (flavour.hasGoToFrame) {
+    if (flavour.behaviour.hasGoToFrame) {
         purposes += {
             {QStringLiteral("Frame5"), QStringLiteral("Go to a numbered row")},
             {QStringLiteral("Text4"), QStringLiteral("Folder number to go to")},

@@ -5,8 +5,8 @@
 #include "SearchResultModel.h"
 #include "actions/ItemActions.h"
 #include "actions/UnhandledError.h"
-#include "browser/ResultList.h"
-#include "browser/ResultPanes.h"
+#include "panes/ResultList.h"
+#include "panes/ResultPanes.h"
 
 #include <QEvent>
 #include <QFrame>
@@ -15,20 +15,23 @@
 #include <QListView>
 #include <QPushButton>
 
-SearchSection::SearchSection(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes,
-                             ItemActions& actions, const Services& services, QObject* parent)
-    : QObject(parent), m_flavour(flavour), m_ui(ui), m_panes(panes), m_actions(actions), m_services(services)
+SearchSection::SearchSection(const BrowserBehaviour& behaviour, const SearchControls& search,
+                             const NavigationControls& navigation, const PathControls& paths,
+                             const StatusControls& status, ResultPanes& panes, ItemActions& actions,
+                             const Services& services, QObject* parent)
+    : QObject(parent), m_behaviour(behaviour), m_searchControls(search), m_navigation(navigation), m_paths(paths),
+      m_status(status), m_panes(panes), m_actions(actions), m_services(services)
 {
-    auto* list5 = qobject_cast<ResultList*>(m_ui.List[5]);
+    auto* list5 = qobject_cast<ResultList*>(m_searchControls.List5);
     Q_ASSERT(list5);
     m_model = new SearchResultModel(list5);
     list5->setModel(m_model);
     list5->setMouseTracking(true);
     list5->viewport()->installEventFilter(this);
 
-    connect(m_ui.Label9Com, &QPushButton::clicked, this, [this] { Label9Com_Click(); });
-    connect(m_ui.SearchFolders, &QPushButton::clicked, this, [this] { SearchFolders_Click(); });
-    connect(m_ui.SearchFiles, &QPushButton::clicked, this, [this] { SearchFiles_Click(); });
+    connect(m_navigation.Label9Com, &QPushButton::clicked, this, [this] { Label9Com_Click(); });
+    connect(m_searchControls.SearchFolders, &QPushButton::clicked, this, [this] { SearchFolders_Click(); });
+    connect(m_searchControls.SearchFiles, &QPushButton::clicked, this, [this] { SearchFiles_Click(); });
     connect(list5, &ResultList::listClicked, this, [this] { List5_Click(); });
     connect(list5, &QAbstractItemView::doubleClicked, this, [this] { List5_DblClick(); });
 }
@@ -36,15 +39,15 @@ SearchSection::SearchSection(const BrowserFlavour& flavour, const BrowserControl
 void SearchSection::reset()
 {
     m_model->clear();
-    m_ui.Label1[7]->setText(QString());
-    m_ui.Frame1->hide();
+    m_status.Label1[7]->setText(QString());
+    m_searchControls.Frame1->hide();
 }
 
 void SearchSection::Label9Com_Click()
 {
-    m_ui.Frame1->setHidden(!m_ui.Frame1->isHidden());
-    if (!m_ui.Frame1->isHidden())
-        m_ui.Frame1->raise();
+    m_searchControls.Frame1->setHidden(!m_searchControls.Frame1->isHidden());
+    if (!m_searchControls.Frame1->isHidden())
+        m_searchControls.Frame1->raise();
 }
 
 void SearchSection::SearchFolders_Click()
@@ -61,8 +64,8 @@ void SearchSection::search(SearchResult::Kind kind)
 {
     m_kind = kind;
     m_model->clear();
-    m_ui.Label1[7]->setText(QString());
-    const QString wanted = m_ui.srchFolder->text();
+    m_status.Label1[7]->setText(QString());
+    const QString wanted = m_searchControls.srchFolder->text();
     if (wanted.isEmpty())
         return;
     SearchResult found = ListSearch::run(m_panes.result(), kind, wanted);
@@ -70,13 +73,13 @@ void SearchSection::search(SearchResult::Kind kind)
     const int pane = kind == SearchResult::Kind::Folders ? 2 : 4;
     if (m_panes.grids() && m_panes.rowCount(pane) > 0)
         m_panes.setCurrentRow(pane, m_panes.rowCount(pane) - 1);
-    m_ui.Label1[7]->setText(found.countCaption());
+    m_status.Label1[7]->setText(found.countCaption());
     m_model->setResult(std::move(found));
 }
 
 QString SearchSection::selectedLine() const
 {
-    const QModelIndex current = m_ui.List[5]->currentIndex();
+    const QModelIndex current = m_searchControls.List5->currentIndex();
     return current.isValid() ? current.data().toString() : QString();
 }
 
@@ -104,9 +107,9 @@ void SearchSection::List5_Click()
     for (int pane : {first, first + 1})
         m_panes.setCurrentRow(pane, row);
     if (searchingFolders())
-        m_ui.Text1->setText(m_actions.text(BrowserFlavour::ItemText::FolderPathAtNameRow));
+        m_paths.Text1->setText(m_actions.text(BrowserBehaviour::ItemText::FolderPathAtNameRow));
     else
-        m_ui.Text2->setText(m_actions.text(BrowserFlavour::ItemText::FilePathRow));
+        m_paths.Text2->setText(m_actions.text(BrowserBehaviour::ItemText::FilePathRow));
 }
 
 void SearchSection::List5_DblClick()
@@ -114,19 +117,19 @@ void SearchSection::List5_DblClick()
     m_actions.closePlayer();
     if (searchingFolders()) {
         // The shell was handed the folder as the directory to start in, with no file: it opens that folder.
-        const QString folder = m_actions.text(m_flavour.searchFolderText);
+        const QString folder = m_actions.text(m_behaviour.searchFolderText);
         if (m_actions.openMode())
             m_actions.open(folder);
         else
             m_actions.locate(folder);
         return;
     }
-    m_actions.pathOfFilez(m_actions.text(m_flavour.searchFileText));
+    m_actions.pathOfFilez(m_actions.text(m_behaviour.searchFileText));
 }
 
 bool SearchSection::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::MouseMove && watched == m_ui.List[5]->viewport())
-        m_ui.List[5]->setToolTip(selectedLine());
+    if (event->type() == QEvent::MouseMove && watched == m_searchControls.List5->viewport())
+        m_searchControls.List5->setToolTip(selectedLine());
     return QObject::eventFilter(watched, event);
 }

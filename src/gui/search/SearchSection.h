@@ -2,8 +2,11 @@
 
 #pragma once
 
-#include "browser/BrowserControls.h"
-#include "browser/BrowserFlavour.h"
+#include "controls/NavigationControls.h"
+#include "controls/PathControls.h"
+#include "controls/SearchControls.h"
+#include "controls/StatusControls.h"
+#include "flavour/BrowserBehaviour.h"
 #include "platform/Services.h"
 #include "search/ListSearch.h"
 
@@ -20,7 +23,8 @@ class SearchSection : public QObject
 {
     Q_OBJECT
 public:
-    SearchSection(const BrowserFlavour& flavour, const BrowserControls& ui, ResultPanes& panes, ItemActions& actions,
+    SearchSection(const BrowserBehaviour& behaviour, const SearchControls& search, const NavigationControls& navigation,
+                  const PathControls& paths, const StatusControls& status, ResultPanes& panes, ItemActions& actions,
                   const Services& services, QObject* parent);
 
     // The kind of the last search; results refer to the folder panes after "Search Folders", to the file
@@ -45,8 +49,11 @@ private:
     void search(SearchResult::Kind kind);
     QString selectedLine() const;
 
-    const BrowserFlavour& m_flavour;
-    const BrowserControls& m_ui;
+    const BrowserBehaviour& m_behaviour;
+    const SearchControls& m_searchControls;
+    const NavigationControls& m_navigation;
+    const PathControls& m_paths;
+    const StatusControls& m_status;
     ResultPanes& m_panes;
     ItemActions& m_actions;
     Services m_services;

@@ -4,12 +4,12 @@
 
 #include "OptionBand.h"
 
-#include "browser/BrowserFlavour.h"
 #include "browser/BrowserWindow.h"
 #include "browser/ClassicLook.h"
-#include "browser/ClickableLabel.h"
 #include "browser/Pictures.h"
 #include "common/Version.h"
+#include "controls/ClickableLabel.h"
+#include "flavour/BrowserFlavour.h"
 #include "platform/AdminCheck.h"
 #include "platform/ControlPurposes.h"
 #include "platform/MessageService.h"

@@ -3,9 +3,8 @@
 #include "ResultPanes.h"
 
 #include "ResultGrid.h"
-#include "ResultGridModel.h"
 #include "ResultList.h"
-#include "ResultListModel.h"
+#include "ResultModel.h"
 #include "platform/Twips.h"
 
 #include <QLabel>
@@ -48,20 +47,21 @@ ScanResult::List ResultPanes::listOf(int pane)
     }
 }
 
-ResultPanes::ResultPanes(const BrowserFlavour& flavour, const BrowserControls& ui, QObject* parent)
-    : QObject(parent), m_flavour(flavour), m_ui(ui)
+ResultPanes::ResultPanes(const BrowserBehaviour& behaviour, const PaneControls& panes, const PathControls& paths,
+                         const StatusControls& status, QObject* parent)
+    : QObject(parent), m_behaviour(behaviour), m_paneControls(panes), m_paths(paths), m_status(status)
 {
     for (int n = 1; n <= 4; ++n) {
         if (grids()) {
-            m_grid[n] = qobject_cast<ResultGrid*>(m_ui.MSFlexGrid[n]);
+            m_grid[n] = qobject_cast<ResultGrid*>(m_paneControls.MSFlexGrid[n]);
             Q_ASSERT(m_grid[n]);
-            m_gridModel[n] = new ResultGridModel(listOf(n), m_grid[n]);
-            m_grid[n]->setModel(m_gridModel[n]);
+            m_model[n] = new ResultModel(listOf(n), m_grid[n]);
+            m_grid[n]->setModel(m_model[n]);
         } else {
-            m_list[n] = qobject_cast<ResultList*>(m_ui.List[n]);
+            m_list[n] = qobject_cast<ResultList*>(m_paneControls.List[n]);
             Q_ASSERT(m_list[n]);
-            m_listModel[n] = new ResultListModel(listOf(n), m_list[n]);
-            m_list[n]->setModel(m_listModel[n]);
+            m_model[n] = new ResultModel(listOf(n), m_list[n]);
+            m_list[n]->setModel(m_model[n]);
         }
     }
     for (int n = 1; n <= 4; ++n) {
@@ -77,27 +77,18 @@ ResultPanes::~ResultPanes() = default;
 void ResultPanes::clear()
 {
     m_result.reset();
-    for (int n = 1; n <= 4; ++n) {
-        if (m_gridModel[n])
-            m_gridModel[n]->setResult(nullptr);
-        if (m_listModel[n])
-            m_listModel[n]->setResult(nullptr);
-    }
+    for (int n = 1; n <= 4; ++n)
+        m_model[n]->setResult(nullptr);
 }
 
 void ResultPanes::fill(int pane)
 {
-    if (m_gridModel[pane])
-        m_gridModel[pane]->setResult(m_result);
-    if (m_listModel[pane])
-        m_listModel[pane]->setResult(m_result);
+    m_model[pane]->setResult(m_result);
 }
 
 QAbstractItemModel* ResultPanes::model(int pane) const
 {
-    if (m_gridModel[pane])
-        return m_gridModel[pane];
-    return m_listModel[pane];
+    return m_model[pane];
 }
 
 int ResultPanes::rowCount(int pane) const
@@ -123,7 +114,7 @@ void ResultPanes::setCurrentRow(int pane, int row)
         m_grid[pane]->setRow(row);
     else
         m_list[pane]->setListIndex(row);
-    if (m_flavour.selectingRunsClick && !m_inClick[pane])
+    if (m_behaviour.selectingRunsClick && !m_inClick[pane])
         click(pane);
 }
 
@@ -142,8 +133,8 @@ QString ResultPanes::text(int pane, int row) const
 
 void ResultPanes::setCellColours(int pane, int row, const QColor& back, const QColor& fore)
 {
-    if (m_gridModel[pane])
-        m_gridModel[pane]->setCellColours(row, back, fore);
+    if (grids())
+        m_model[pane]->setCellColours(row, back, fore);
 }
 
 void ResultPanes::click(int pane)
@@ -165,25 +156,25 @@ void ResultPanes::click(int pane)
 
 void ResultPanes::List1_Click()
 {
-    m_ui.Label1[1]->setText(selected(m_list[1]->listIndex()));
+    m_status.Label1[1]->setText(selected(m_list[1]->listIndex()));
 }
 
 void ResultPanes::List2_Click()
 {
     // The path box gets the entry as the list shows it, name and size, not the folder's path.
     const int index = m_list[2]->listIndex();
-    m_ui.Label1[5]->setText(selected(index));
+    m_status.Label1[5]->setText(selected(index));
     m_list[2]->setToolTip(m_list[2]->entry(index));
-    m_ui.Text1->setText(m_list[2]->entry(index));
+    m_paths.Text1->setText(m_list[2]->entry(index));
 }
 
 void ResultPanes::List3_Click()
 {
     const int index = m_list[3]->listIndex();
-    m_ui.Label1[6]->setText(selected(index));
+    m_status.Label1[6]->setText(selected(index));
     m_list[3]->setToolTip(m_list[3]->entry(index));
     setCurrentRow(4, index);
-    m_ui.Text2->setText(m_list[3]->entry(index));
+    m_paths.Text2->setText(m_list[3]->entry(index));
 }
 
 void ResultPanes::List4_Click()
@@ -192,7 +183,7 @@ void ResultPanes::List4_Click()
     // name list still reports. List4 allows several selected entries, so its ListIndex is the entry with the
     // focus and survives the clearing. Selecting the path runs the path list's click, which fills the path box
     // and selects this name again; reached from that click instead (a path clicked), the name stays cleared.
-    m_ui.Label1[2]->setText(selected(m_list[4]->listIndex()));
+    m_status.Label1[2]->setText(selected(m_list[4]->listIndex()));
     if (const int count = m_list[4]->count(); count > 0) {
         const QAbstractItemModel* names = m_list[4]->model();
         m_list[4]->selectionModel()->select(QItemSelection(names->index(0, 0), names->index(count - 1, 0)),
@@ -217,8 +208,8 @@ void ResultPanes::MSFlexGrid1_Click()
     const int row = m_grid[1]->row();
     if (row < 0)
         return;
-    m_ui.Label1[1]->setText(selected(row));
-    m_ui.Text1->setText(m_grid[1]->text());
+    m_status.Label1[1]->setText(selected(row));
+    m_paths.Text1->setText(m_grid[1]->text());
 }
 
 void ResultPanes::MSFlexGrid2_Click()
@@ -229,8 +220,8 @@ void ResultPanes::MSFlexGrid2_Click()
         return;
     m_grid[1]->setRow(row);
     m_grid[2]->setRow(row); // the selection reaches to the current row again
-    m_ui.Label1[5]->setText(selected(row));
-    m_ui.Text1->setText(m_grid[1]->text());
+    m_status.Label1[5]->setText(selected(row));
+    m_paths.Text1->setText(m_grid[1]->text());
 }
 
 void ResultPanes::MSFlexGrid3_Click()
@@ -240,8 +231,8 @@ void ResultPanes::MSFlexGrid3_Click()
     if (row < 0)
         return;
     m_grid[4]->setRow(row);
-    m_ui.Label1[6]->setText(selected(row));
-    m_ui.Text2->setText(m_grid[3]->text());
+    m_status.Label1[6]->setText(selected(row));
+    m_paths.Text2->setText(m_grid[3]->text());
 }
 
 void ResultPanes::MSFlexGrid4_Click()
@@ -251,8 +242,8 @@ void ResultPanes::MSFlexGrid4_Click()
     if (row < 0)
         return;
     m_grid[3]->setRow(row);
-    m_ui.Label1[2]->setText(selected(row));
-    m_ui.Text2->setText(m_grid[3]->text());
+    m_status.Label1[2]->setText(selected(row));
+    m_paths.Text2->setText(m_grid[3]->text());
 }
 
 // --- The entry under the mouse -----------------------------------------------------------------------------------

@@ -2,13 +2,15 @@
 
 #pragma once
 
+#include "controls/NavigationControls.h"
+#include "controls/StatusControls.h"
 #include "export/SaveFlow.h"
+#include "flavour/BrowserBehaviour.h"
 #include "platform/Services.h"
 
 #include <QObject>
 
-class BrowserWindow;
-class QLabel;
+class ResultPanes;
 
 // Saving the listings of a browser window into the collection folder: "Create Text Files", the single-list
 // saves of the context menus, and the offer to open the folder from its label, Label4(1).
@@ -16,7 +18,8 @@ class SaveActions : public QObject
 {
     Q_OBJECT
 public:
-    SaveActions(BrowserWindow& window, const Services& services);
+    SaveActions(const BrowserBehaviour& behaviour, const NavigationControls& navigation, const StatusControls& status,
+                const ResultPanes& panes, const Services& services, QObject* parent);
 
     void CreateTextFiles_Click();
     // SaveList2Contents / SaveMSFlexGrid2Contents and SaveList3Contents / SaveMSFlexGrid3Contents.
@@ -25,16 +28,15 @@ public:
     // A click on one element of the label array Label4; only element 1 does anything.
     void Label4_Click(int Index);
 
-    // LongBrowser's status label for the writing of a set; null in ShortBrowser.
-    QLabel* label12() const { return m_label12; }
-
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void save(SaveFlow::Kind kind);
 
-    BrowserWindow& m_window;
+    const BrowserBehaviour& m_behaviour;
+    const NavigationControls& m_navigation;
+    const StatusControls& m_status;
+    const ResultPanes& m_panes;
     Services m_services;
-    QLabel* m_label12 = nullptr;
 };

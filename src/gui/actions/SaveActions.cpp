@@ -2,35 +2,26 @@
 
 #include "SaveActions.h"
 
-#include "BrowserWindow.h"
 #include "export/CollectionFolder.h"
 #include "export/FileOps.h"
+#include "panes/ResultPanes.h"
 #include "platform/InputService.h"
 #include "platform/MessageService.h"
 #include "platform/ShellService.h"
-#include "platform/Twips.h"
 
 #include <QEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPushButton>
 
-SaveActions::SaveActions(BrowserWindow& window, const Services& services)
-    : QObject(&window), m_window(window), m_services(services)
+SaveActions::SaveActions(const BrowserBehaviour& behaviour, const NavigationControls& navigation,
+                         const StatusControls& status, const ResultPanes& panes, const Services& services,
+                         QObject* parent)
+    : QObject(parent), m_behaviour(behaviour), m_navigation(navigation), m_status(status), m_panes(panes),
+      m_services(services)
 {
-    const BrowserControls& ui = window.controls();
-    // Only the grid window times the writing of a set, in a status label between the timing label and the
-    // collection folder's label.
-    if (window.flavour().walk == ScanResult::Flavour::Long) {
-        m_label12 = new QLabel(ui.pathFrame);
-        m_label12->setObjectName(QStringLiteral("Label12"));
-        m_label12->setAlignment(Qt::AlignCenter);
-        m_label12->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        Twips::place(m_label12, QRect(5775, 1455, 930, 195));
-        m_label12->hide();
-    }
-    connect(ui.CreateTextFiles, &QPushButton::clicked, this, [this] { CreateTextFiles_Click(); });
-    for (QLabel* label : ui.Label4)
+    connect(navigation.CreateTextFiles, &QPushButton::clicked, this, [this] { CreateTextFiles_Click(); });
+    for (QLabel* label : status.Label4)
         label->installEventFilter(this);
 }
 
@@ -38,7 +29,7 @@ bool SaveActions::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::MouseButtonRelease) {
         auto* mouse = static_cast<QMouseEvent*>(event);
-        const auto& labels = m_window.controls().Label4;
+        const auto& labels = m_status.Label4;
         for (int i = 0; i < int(labels.size()); ++i) {
             if (watched == labels[i] && mouse->button() == Qt::LeftButton &&
                 labels[i]->rect().contains(mouse->position().toPoint())) {
@@ -67,17 +58,18 @@ void SaveActions::saveFileList()
 
 void SaveActions::save(SaveFlow::Kind kind)
 {
-    const BrowserControls& ui = m_window.controls();
-    const std::shared_ptr<const ScanResult> result = m_window.scanResult();
+    const std::shared_ptr<const ScanResult> result = m_panes.result();
     SystemFileOps ops;
     SaveFlow flow(*m_services.messages, *m_services.input, ops, CollectionFolder());
-    // The save flow's timing of a set goes to Label12.
-    if (QLabel* label = m_label12)
+    if (m_behaviour.timesWriting) {
+        QLabel* label = m_status.Label12;
         flow.setWritingLabel([label](const QString& caption, bool visible) {
             label->setText(caption);
             label->setVisible(visible);
         });
-    flow.run(kind, SaveSources{result.get(), m_window.flavour().walk, ui.Label4[3]->text(), ui.Label2->text()});
+    }
+    flow.run(kind,
+             SaveSources{result.get(), m_behaviour.walk, m_status.Label4[3]->text(), m_navigation.Label2->text()});
 }
 
 void SaveActions::Label4_Click(int Index)

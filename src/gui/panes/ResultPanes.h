@@ -2,8 +2,10 @@
 
 #pragma once
 
-#include "BrowserControls.h"
-#include "BrowserFlavour.h"
+#include "controls/PaneControls.h"
+#include "controls/PathControls.h"
+#include "controls/StatusControls.h"
+#include "flavour/BrowserBehaviour.h"
 #include "scan/ScanResult.h"
 
 #include <QColor>
@@ -13,9 +15,8 @@
 
 class QAbstractItemModel;
 class ResultGrid;
-class ResultGridModel;
 class ResultList;
-class ResultListModel;
+class ResultModel;
 
 // The four result panes of a browser window and what a click in them does: List1..List4 in ShortBrowser,
 // MSFlexGrid1..MSFlexGrid4 in LongBrowser, numbered 1 to 4 here as in the design (folder paths, folder names,
@@ -25,10 +26,11 @@ class ResultPanes : public QObject
 {
     Q_OBJECT
 public:
-    ResultPanes(const BrowserFlavour& flavour, const BrowserControls& ui, QObject* parent);
+    ResultPanes(const BrowserBehaviour& behaviour, const PaneControls& panes, const PathControls& paths,
+                const StatusControls& status, QObject* parent);
     ~ResultPanes() override;
 
-    bool grids() const { return m_flavour.panes == BrowserFlavour::Panes::Grids; }
+    bool grids() const { return m_behaviour.grids(); }
     static ScanResult::List listOf(int pane);
 
     // The result the panes show, kept until the next listing or folder change.
@@ -74,12 +76,13 @@ private:
     void MSFlexGrid4_Click();
     void darkGreenSelection(ResultGrid* grid);
 
-    const BrowserFlavour& m_flavour;
-    const BrowserControls& m_ui;
+    const BrowserBehaviour& m_behaviour;
+    const PaneControls& m_paneControls;
+    const PathControls& m_paths;
+    const StatusControls& m_status;
     std::array<ResultList*, 5> m_list{};
     std::array<ResultGrid*, 5> m_grid{};
-    std::array<ResultListModel*, 5> m_listModel{};
-    std::array<ResultGridModel*, 5> m_gridModel{};
+    std::array<ResultModel*, 5> m_model{};
     std::shared_ptr<const ScanResult> m_result;
     std::array<bool, 5> m_inClick{};
 };

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ResultGridModel.h"
+#include "ResultModel.h"
 
 #include <climits>
 
-ResultGridModel::ResultGridModel(ScanResult::List list, QObject* parent) : QAbstractTableModel(parent), m_list(list) {}
+ResultModel::ResultModel(ScanResult::List list, QObject* parent) : QAbstractTableModel(parent), m_list(list) {}
 
-void ResultGridModel::setResult(std::shared_ptr<const ScanResult> result)
+void ResultModel::setResult(std::shared_ptr<const ScanResult> result)
 {
     if (!result && !m_result)
         return;
@@ -17,7 +17,7 @@ void ResultGridModel::setResult(std::shared_ptr<const ScanResult> result)
     endResetModel();
 }
 
-void ResultGridModel::setCellColours(int row, const QColor& back, const QColor& fore)
+void ResultModel::setCellColours(int row, const QColor& back, const QColor& fore)
 {
     if (row < 0 || row >= m_rows)
         return;
@@ -29,7 +29,7 @@ void ResultGridModel::setCellColours(int row, const QColor& back, const QColor& 
     emit dataChanged(cell, cell, {Qt::BackgroundRole, Qt::ForegroundRole});
 }
 
-void ResultGridModel::clearCellColours()
+void ResultModel::clearCellColours()
 {
     if (m_colours.empty())
         return;
@@ -37,17 +37,17 @@ void ResultGridModel::clearCellColours()
     emit dataChanged(index(0, 0), index(m_rows - 1, 0), {Qt::BackgroundRole, Qt::ForegroundRole});
 }
 
-int ResultGridModel::rowCount(const QModelIndex& parent) const
+int ResultModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : m_rows;
 }
 
-int ResultGridModel::columnCount(const QModelIndex& parent) const
+int ResultModel::columnCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : 1;
 }
 
-QVariant ResultGridModel::data(const QModelIndex& index, int role) const
+QVariant ResultModel::data(const QModelIndex& index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
@@ -67,7 +67,7 @@ QVariant ResultGridModel::data(const QModelIndex& index, int role) const
     }
 }
 
-Qt::ItemFlags ResultGridModel::flags(const QModelIndex& index) const
+Qt::ItemFlags ResultModel::flags(const QModelIndex& index) const
 {
     return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
 }

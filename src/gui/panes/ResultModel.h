@@ -9,14 +9,14 @@
 #include <memory>
 #include <unordered_map>
 
-// One list of a scan result as a grid of one column, row 0 the first entry. Nothing is stored per row: a grid
-// of ten million files costs no more than an empty one. Cells may carry colours of their own (CellBackColor,
-// CellForeColor), kept only for the few cells that have them.
-class ResultGridModel : public QAbstractTableModel
+// One list of a scan result as the rows of a list box or of a one-column grid, row 0 the first entry. Nothing is
+// stored per row: a pane of ten million files costs no more than an empty one. A grid's cells may carry colours
+// of their own (CellBackColor, CellForeColor), kept only for the few cells that have them.
+class ResultModel : public QAbstractTableModel
 {
     Q_OBJECT
 public:
-    ResultGridModel(ScanResult::List list, QObject* parent = nullptr);
+    ResultModel(ScanResult::List list, QObject* parent = nullptr);
 
     ScanResult::List list() const { return m_list; }
     // Null empties the grid. Cell colours go with the old rows.
