@@ -4,6 +4,7 @@
 
 #include "BrowserBuilder.h"
 #include "ListingDriver.h"
+#include "ResizeRule.h"
 #include "actions/ContextMenus.h"
 #include "actions/GoToCell.h"
 #include "actions/ItemActions.h"
@@ -48,6 +49,7 @@ BrowserWindow::BrowserWindow(const BrowserFlavour& flavour, const Services& serv
     fillDrives();
     wireNavigation();
     wireWindowControls();
+    m_resizeRule = std::make_unique<ResizeRule>(*this, m_flavour, m_ui);
 
     const BrowserBehaviour& behaviour = m_flavour.behaviour;
     m_panes = new ResultPanes(behaviour, m_ui.panes, m_ui.paths, m_ui.status, this);
@@ -381,54 +383,14 @@ void BrowserWindow::closeEvent(QCloseEvent* event)
 void BrowserWindow::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    applyLayout();
+    if (m_resizeRule)
+        m_resizeRule->apply();
 }
 
 void BrowserWindow::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange)
-        applyLayout();
-}
-
-void BrowserWindow::applyLayout()
-{
-    if (m_applyingLayout || !m_ui.paths.Label8)
-        return;
-    m_applyingLayout = true;
-    const bool maximised = isMaximized();
-    // The same properties in both states: design values when normal, values from the window's size when
-    // maximised, where the file-path pane reaches to the file-name pane and the path boxes to the right edge.
-    for (const BrowserLayout::Restore& step : m_flavour.layout.restore) {
-        auto* w = findChild<QWidget*>(step.control);
-        if (!w)
-            continue;
-        int px = Twips::toPx(step.twips);
-        if (maximised) {
-            if (step.control == m_flavour.behaviour.paneName(3) && step.property == BrowserLayout::Restore::Width)
-                px = m_ui.status.Frame4->x() - w->x() - Twips::toPx(60);
-            else if (step.control == QLatin1String("Label5") && step.property == BrowserLayout::Restore::Width)
-                px = findChild<QWidget*>(m_flavour.behaviour.paneName(3))->width() - 1;
-            else if (step.control.startsWith(QLatin1String("Text")))
-                px = width() - w->x() - Twips::toPx(105);
-            else if (w == m_ui.player.playerFrame)
-                px = (width() - w->width()) / 2;
-        }
-        switch (step.property) {
-        case BrowserLayout::Restore::Left:
-            w->move(px, w->y());
-            break;
-        case BrowserLayout::Restore::Top:
-            w->move(w->x(), px);
-            break;
-        case BrowserLayout::Restore::Width:
-            w->resize(px, w->height());
-            break;
-        case BrowserLayout::Restore::Height:
-            w->resize(w->width(), px);
-            break;
-        }
-    }
-    m_ui.paths.Label8->setEnabled(!maximised);
-    m_applyingLayout = false;
+        if (m_resizeRule)
+            m_resizeRule->apply();
 }

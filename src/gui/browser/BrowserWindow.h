@@ -16,6 +16,7 @@ class GoToCell;
 class ItemActions;
 class ListingDriver;
 class QFileSystemModel;
+class ResizeRule;
 class ResultPanes;
 class ScanResult;
 class SearchSection;
@@ -88,7 +89,6 @@ private:
     void playerFrame_Click();
     void Label11_DblClick();
     void Command1_Click();
-    void applyLayout();
     void setOuterWidth(int twips);
     void fitLabel2();
 
@@ -104,5 +104,5 @@ private:
     GoToCell* m_goTo = nullptr;
     QString m_driveText;
     QString m_dir1Path;
-    bool m_applyingLayout = false;
+    std::unique_ptr<ResizeRule> m_resizeRule;
 };
