@@ -2,6 +2,7 @@
 
 #include "BrowserTestKit.h"
 
+#include "browser/DriveCaptionLabel.h"
 #include "platform/Twips.h"
 #include "scan/ScanResultBuilder.h"
 
@@ -142,6 +143,40 @@ private slots:
         QCOMPARE(w->controls().Label4[3]->text(), caption.arg(v.driveText().toUpper()));
         w->controls().Command1->click();
         QCOMPARE(m_fakes.messages.texts(), QStringList{u"0|The drive is of the type "_s + typeText});
+    }
+
+    // A caption too long for its label keeps the kind of drive in view and leaves out the middle of the drive
+    // text or volume label; the label's text and tool tip hold it whole.
+    void driveCaptionReadable_data()
+    {
+        QTest::addColumn<DriveType>("type");
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<QString>("kept"); // the start or the end the label must show
+        QTest::newRow("hard drive") << DriveType::Fixed << u"A LONG VOLUME LABEL"_s << u": HD DRIVE "_s;
+        QTest::newRow("labelled stick") << DriveType::Removable << u"A RATHER LONG VOLUME LABEL"_s
+                                        << u" CD/ DVD Volume: "_s;
+    }
+    void driveCaptionReadable()
+    {
+        QFETCH(DriveType, type);
+        QFETCH(QString, label);
+        QFETCH(QString, kept);
+        m_fakes.volumes.list = {{m_fixed, label, type, true}};
+        auto w = window(m_fakes, false);
+        auto* caption = qobject_cast<DriveCaptionLabel*>(w->controls().Label4[3]);
+        QVERIFY(caption);
+        const QString whole = caption->text();
+        QVERIFY(whole.startsWith(kept) || whole.endsWith(kept));
+        QCOMPARE(caption->toolTip(), whole);
+        const QString shown = caption->shownText();
+        QVERIFY2(shown.startsWith(kept) || shown.endsWith(kept), qPrintable(shown));
+        QVERIFY(shown.contains(QChar(0x2026)));
+        QVERIFY(caption->fontMetrics().horizontalAdvance(shown) <= caption->contentsRect().width());
+        QCOMPARE(caption->geometry(), Twips::toPx(QRect(105, 450, 2265, 195)));
+
+        // Wide enough, it shows whole.
+        caption->resize(caption->fontMetrics().horizontalAdvance(whole) + 10, caption->height());
+        QCOMPARE(caption->shownText(), whole);
     }
 
     void fileNamesToggle_data() { addFlavours(); }

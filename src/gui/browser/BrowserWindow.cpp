@@ -5,6 +5,7 @@
 #include "ClassicLook.h"
 #include "ClickableFrame.h"
 #include "ClickableLabel.h"
+#include "DriveCaptionLabel.h"
 #include "ListingDriver.h"
 #include "Pictures.h"
 #include "ResultGrid.h"
@@ -219,8 +220,10 @@ void BrowserWindow::buildNavigation()
     m_ui.Label2->setFont(bold);
     m_ui.Label2->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
-    m_ui.Label4[3] = makeLabel(this, QStringLiteral("Label4_3"), QStringLiteral("  DRIVE "));
-    m_ui.Label4[3]->setAlignment(Qt::AlignCenter);
+    auto* caption = new DriveCaptionLabel(this);
+    caption->setObjectName(QStringLiteral("Label4_3"));
+    caption->setCaption(QStringLiteral("  DRIVE "));
+    m_ui.Label4[3] = caption;
     sunken(m_ui.Label4[3]);
     setBackground(m_ui.Label4[3], LightYellow);
 
@@ -637,7 +640,7 @@ void BrowserWindow::ShowDriveCaption()
     const Volume v = m_services.volumes->find(m_driveText, &found);
     const QString type = DriveTypeInfo(found ? v.root : m_driveText);
     const QString label = GetDriveName(m_driveText);
-    m_ui.Label4[3]->setText(DriveCaption::caption(m_driveText, type, label));
+    static_cast<DriveCaptionLabel*>(m_ui.Label4[3])->setCaption(DriveCaption::caption(m_driveText, type, label));
 }
 
 void BrowserWindow::Command1_Click()
