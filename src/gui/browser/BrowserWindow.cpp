@@ -6,6 +6,8 @@
 #include "ClickableFrame.h"
 #include "ClickableLabel.h"
 #include "DriveCaptionLabel.h"
+#include "DriveSelector.h"
+#include "FolderTreeModel.h"
 #include "ListingDriver.h"
 #include "Pictures.h"
 #include "ResultGrid.h"
@@ -15,6 +17,7 @@
 #include "actions/ContextMenus.h"
 #include "actions/GoToCell.h"
 #include "actions/ItemActions.h"
+#include "common/NativeText.h"
 #include "common/RuntimeError.h"
 #include "export/CollectionFolder.h"
 #include "platform/ControlPurposes.h"
@@ -29,7 +32,6 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDir>
-#include <QFileSystemModel>
 #include <QHash>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -227,19 +229,16 @@ void BrowserWindow::buildNavigation()
     sunken(m_ui.Label4[3]);
     setBackground(m_ui.Label4[3], LightYellow);
 
-    m_ui.Drive1 = new QComboBox(this);
+    m_drives = new DriveSelector(*m_services.volumes, this);
+    m_ui.Drive1 = m_drives;
     m_ui.Drive1->setObjectName(QStringLiteral("Drive1"));
     fillDrives();
 
-    m_dirModel = new QFileSystemModel(this);
-    m_dirModel->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
-    m_dirModel->setReadOnly(true);
+    m_dirModel = new FolderTreeModel(this);
     m_ui.Dir1 = new QTreeView(this);
     m_ui.Dir1->setObjectName(QStringLiteral("Dir1"));
     m_ui.Dir1->setModel(m_dirModel);
     m_ui.Dir1->setHeaderHidden(true);
-    for (int column = 1; column < m_dirModel->columnCount(); ++column)
-        m_ui.Dir1->hideColumn(column);
     m_ui.Dir1->setUniformRowHeights(true);
 
     m_ui.List_Folders = new QPushButton(QStringLiteral("List All Folders && Files"), this);
@@ -256,24 +255,15 @@ void BrowserWindow::buildNavigation()
     connect(m_ui.Dir1->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) {
                 if (current.isValid())
-                    setDir1Path(m_dirModel->filePath(current));
+                    setDir1Path(m_dirModel->displayPath(current));
             });
     connect(m_ui.Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
-    // The model reads folders in the background; the current folder can only be shown once its parents are in.
-    connect(m_dirModel, &QFileSystemModel::directoryLoaded, this, [this] {
-        const QModelIndex index = m_dirModel->index(m_dir1Path);
-        if (index.isValid() && m_ui.Dir1->currentIndex() != index)
-            m_ui.Dir1->setCurrentIndex(index);
-        m_ui.Dir1->scrollTo(index);
-    });
 }
 
 void BrowserWindow::fillDrives()
 {
     const QSignalBlocker block(m_ui.Drive1);
-    m_ui.Drive1->clear();
-    for (const Volume& v : m_services.volumes->volumes())
-        m_ui.Drive1->addItem(v.driveText());
+    m_drives->refresh();
     // The selector starts on the drive of the current folder, as the folder tree starts in that folder.
     const int current = m_ui.Drive1->findText(m_services.volumes->volumeOf(QDir::currentPath()).driveText());
     m_ui.Drive1->setCurrentIndex(current >= 0 ? current : 0);
@@ -501,11 +491,10 @@ void BrowserWindow::fitLabel2()
 void BrowserWindow::Form_Load()
 {
     const Volume start = m_services.volumes->volumeOf(QDir::currentPath());
-    m_dirModel->setRootPath(start.root);
-    m_ui.Dir1->setRootIndex(m_dirModel->index(start.root));
+    m_dirModel->setRootPath(NativeText::fromDisplay(start.root));
     // The tree reports the new current folder back; setDir1Path ignores it because the path is already set.
     m_dir1Path = QDir::currentPath();
-    m_ui.Dir1->setCurrentIndex(m_dirModel->index(m_dir1Path));
+    m_ui.Dir1->setCurrentIndex(m_dirModel->index(NativeText::fromDisplay(m_dir1Path)));
     Dir1_Change();
     m_ui.CreateTextFiles->setEnabled(false);
 }
@@ -515,7 +504,7 @@ void BrowserWindow::setDir1Path(const QString& path)
     if (path == m_dir1Path)
         return;
     m_dir1Path = path;
-    const QModelIndex index = m_dirModel->index(path);
+    const QModelIndex index = m_dirModel->index(NativeText::fromDisplay(path));
     m_ui.Dir1->setCurrentIndex(index);
     m_ui.Dir1->scrollTo(index);
     Dir1_Change();
@@ -592,8 +581,8 @@ RuntimeError::Number BrowserWindow::setDir1PathToDrive(const QString& driveText)
         return RuntimeError::DeviceUnavailable;
     if (!QDir(v.root).exists())
         return RuntimeError::PathNotFound;
-    m_dirModel->setRootPath(v.root);
-    m_ui.Dir1->setRootIndex(m_dirModel->index(v.root));
+    if (m_dirModel->rootPath() != NativeText::fromDisplay(v.root))
+        m_dirModel->setRootPath(NativeText::fromDisplay(v.root));
     setDir1Path(v.root);
     return RuntimeError::None;
 }

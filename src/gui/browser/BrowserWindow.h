@@ -11,10 +11,11 @@
 #include <QWidget>
 #include <memory>
 
+class DriveSelector;
+class FolderTreeModel;
 class GoToCell;
 class ItemActions;
 class ListingDriver;
-class QFileSystemModel;
 class ResultPanes;
 class ScanResult;
 class SearchSection;
@@ -102,7 +103,8 @@ private:
     Services m_services;
     QPointer<QWidget> m_options;
     BrowserControls m_ui;
-    QFileSystemModel* m_dirModel = nullptr;
+    FolderTreeModel* m_dirModel = nullptr;
+    DriveSelector* m_drives = nullptr;
     ResultPanes* m_panes = nullptr;
     ListingDriver* m_driver = nullptr;
     ItemActions* m_actions = nullptr;
