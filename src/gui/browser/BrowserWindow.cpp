@@ -258,6 +258,8 @@ void BrowserWindow::buildNavigation()
                     setDir1Path(m_dirModel->displayPath(current));
             });
     connect(m_ui.Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
+    // An opened folder shows the folders made in it since it was first read.
+    connect(m_ui.Dir1, &QTreeView::expanded, m_dirModel, &FolderTreeModel::readAgain);
 }
 
 void BrowserWindow::fillDrives()
