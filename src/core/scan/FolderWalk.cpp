@@ -60,7 +60,7 @@ void appendKey(std::string_view name, std::u16string& keys)
             keys.push_back(char16_t((c >= 'a' && c <= 'z') ? c - 32 : c));
         return;
     }
-    const QString upper = NativeText::toDisplay(name).toUpper();
+    const QString upper = NativeText::upperUnits(NativeText::toDisplay(name));
     keys.append(reinterpret_cast<const char16_t*>(upper.utf16()), size_t(upper.size()));
 }
 
