@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDir>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -14,7 +15,11 @@
 class TreeBuilder
 {
 public:
-    TreeBuilder() { QVERIFY(m_dir.isValid()); }
+    // The tree is made in a new folder under `under`.
+    explicit TreeBuilder(const QString& under = QDir::tempPath()) : m_dir(under + QStringLiteral("/quillary-XXXXXX"))
+    {
+        QVERIFY(m_dir.isValid());
+    }
     // QTemporaryDir cannot remove names that are not UTF-8 nor paths past PATH_MAX; rm can.
     ~TreeBuilder() { QProcess::execute(QStringLiteral("rm"), {QStringLiteral("-rf"), m_dir.path()}); }
 

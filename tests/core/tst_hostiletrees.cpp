@@ -9,11 +9,25 @@
 #include <QStandardPaths>
 #include <QTest>
 #include <atomic>
+#include <linux/magic.h>
 #include <sys/socket.h>
+#include <sys/statfs.h>
 #include <sys/un.h>
 #include <thread>
 
 using L = ScanResult::List;
+
+namespace {
+
+QByteArrayList lines(const ScanResult& r, L list)
+{
+    QByteArrayList out;
+    for (qint64 i = 0; i < r.count(list); ++i)
+        out.append(r.entry(list, i));
+    return out;
+}
+
+} // namespace
 
 // Trees that try to break the walk: busy folders, things that change under it, entries that are not files.
 class TestHostileTrees : public QObject
@@ -141,6 +155,26 @@ private slots:
         for (qint64 i = 0; i < r->fileCount(); ++i)
             expected += r->entry(L::FilePaths, i) + "\r\n";
         QVERIFY(listing.readAll().contains("(3000):\r\n\r\n" + expected + "\r\n"));
+    }
+
+    void sizesNeverWrap()
+    {
+        // Sparse files of 2^63 - 1 bytes sum past 2^64; wrapped, these folders would show 5kB. Past the largest
+        // size they show the size computed before, as every oversized folder does.
+        struct statfs fs;
+        if (::statfs("/dev/shm", &fs) != 0 || fs.f_type != TMPFS_MAGIC)
+            QSKIP("needs a tmpfs at /dev/shm, the usual file system that takes files of 2^63 bytes");
+        TreeBuilder t(QStringLiteral("/dev/shm"));
+        const qint64 huge = std::numeric_limits<qint64>::max();
+        t.file("a/small", 2048);
+        t.file("b/huge1", huge);
+        t.file("b/huge2", huge);
+        t.file("b/rest", 5000);
+        t.file("c/x/huge", huge);
+        t.file("c/y/huge", huge);
+        t.file("c/rest", 5000);
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"a (2kB)", "b (2kB)", "x (2kB)", "y (2kB)", "c (2kB)"}));
     }
 
     void oddNamesThroughTheLister()

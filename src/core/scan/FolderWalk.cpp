@@ -10,6 +10,7 @@
 #include <QString>
 #include <algorithm>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -62,6 +63,13 @@ void appendKey(std::string_view name, std::u16string& keys)
     }
     const QString upper = NativeText::upperUnits(NativeText::toDisplay(name));
     keys.append(reinterpret_cast<const char16_t*>(upper.utf16()), size_t(upper.size()));
+}
+
+// Sizes add up without wrapping: a sum past 2^64 bytes stays at the largest size, which is too large to show and
+// so takes the overflow path of every other oversized folder.
+std::uint64_t addSize(std::uint64_t a, std::uint64_t b)
+{
+    return b > UINT64_MAX - a ? UINT64_MAX : a + b;
 }
 
 bool lessBytes(std::string_view a, std::string_view b)
@@ -222,7 +230,7 @@ private:
             nameBytes += name.size() + (name.size() < 0x80 ? 1 : 2);
             if (!e.dir) {
                 files.push_back(m_names.add(name));
-                self.ownBytes += e.size;
+                self.ownBytes = addSize(self.ownBytes, e.size);
                 continue;
             }
             Child c{m_names.add(name), DirState::Pending, {}};
@@ -408,7 +416,7 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
             parent[d.firstChild + c] = id;
     }
     for (std::uint32_t id = count; id-- > 1;)
-        total[parent[id]] += total[id];
+        total[parent[id]] = addSize(total[parent[id]], total[id]);
 
     // Nodes: the start folder, the listed folders in order, then any folder whose files were listed but which
     // the Short limit stopped before it was entered.
