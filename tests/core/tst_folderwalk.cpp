@@ -429,7 +429,8 @@ private slots:
 
     void unreadableFolder()
     {
-        // Listed by its parent, contributing nothing; the walk goes on. Needs a user that permissions bind.
+        // Listed by its parent, contributing nothing, and reported; the walk goes on. Needs a user that
+        // permissions bind.
         TreeBuilder t;
         t.file("a/locked/secret.txt", 4096);
         t.file("a/open.txt", 1024);
@@ -445,6 +446,8 @@ private slots:
             QByteArray text;
             for (const L l : {L::FolderPaths, L::FolderNames, L::FilePaths})
                 text += lines(*r, l).join('|') + '\n';
+            for (const auto& u : r->unreadableFolders())
+                text += u.path + ' ' + QByteArray::number(u.error) + '|';
             QFile f(QFile::decodeName(out));
             const bool ok = f.open(QIODevice::WriteOnly) && f.write(text) == text.size();
             f.close();
@@ -464,6 +467,7 @@ private slots:
         QCOMPARE(got[0], r + "/a/locked|" + r + "/a|" + r + "/b");
         QCOMPARE(got[1], QByteArray("locked (0kB)|a (1kB)|b (0kB)"));
         QCOMPARE(got[2], r + "/a/open.txt|" + r + "/b/b.txt");
+        QCOMPARE(got[3], r + "/a/locked " + QByteArray::number(EACCES) + '|');
     }
 
     void cancelAndProgress()

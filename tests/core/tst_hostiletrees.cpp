@@ -8,9 +8,13 @@
 #include <QTest>
 #include <atomic>
 #include <linux/magic.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/statfs.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <thread>
 
 using L = ScanResult::List;
@@ -144,6 +148,99 @@ private slots:
         for (qint64 i = 0; i < r->fileCount(); ++i)
             expected += r->entry(L::FilePaths, i) + "\r\n";
         QVERIFY(listing.readAll().contains("(3000):\r\n\r\n" + expected + "\r\n"));
+    }
+
+    void everyEntryUnderALowDescriptorLimit()
+    {
+        // Folders deeper than a path can reach wait for their turn holding a descriptor each, while the walk can
+        // spare one; under a limit of 64 the others are opened again through their parents and none is lost.
+        TreeBuilder t;
+        QByteArray deep;
+        for (int level = 0; level < 30; ++level) // 30 * 111 bytes: past the length where paths give way
+            deep += (level ? "/" : "") + QByteArray(110, char('a' + level % 26));
+        for (int k = 0; k < 400; ++k) // a wide folder
+            t.file(deep + "/wide/w" + QByteArray::number(k) + "/f", 1);
+        QByteArray comb = deep + "/comb"; // a deep chain with a leaf beside every link
+        for (int level = 0; level < 60; ++level) {
+            t.file(comb + "/leaf/f", 1);
+            comb += "/c";
+        }
+        t.dir(comb);
+        const int wide = 30 + 1 + 400, combFolders = 1 + 60 * 2;
+
+        int out[2];
+        QCOMPARE(::pipe(out), 0);
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            const struct rlimit low
+            {
+                64, 64
+            };
+            std::int64_t counts[3] = {-1, -1, -1};
+            if (::setrlimit(RLIMIT_NOFILE, &low) == 0) {
+                WalkOptions o;
+                o.threads = 16;
+                const auto r = FolderWalk::run(t.root(), o);
+                counts[0] = r->folderCount();
+                counts[1] = r->fileCount();
+                counts[2] = std::int64_t(r->unreadableFolders().size());
+            }
+            ::_exit(::write(out[1], counts, sizeof counts) == sizeof counts ? 0 : 1);
+        }
+        ::close(out[1]);
+        std::int64_t counts[3] = {};
+        QCOMPARE(::read(out[0], counts, sizeof counts), qint64(sizeof counts));
+        ::close(out[0]);
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+        QCOMPARE(counts[0], wide + combFolders);
+        QCOMPARE(counts[1], 400 + 60);
+        QCOMPARE(counts[2], 0);
+    }
+
+    void mountPointsAreNotEnteredAtAnyDepth()
+    {
+        // A folder bound below the start folder, near the top and past the length where paths give way, is
+        // listed as a folder and not entered, though it is on the same device.
+        if (::geteuid() != 0)
+            QSKIP("binding a folder needs root");
+        TreeBuilder t;
+        QByteArray deep;
+        for (int level = 0; level < 30; ++level)
+            deep += (level ? "/" : "") + QByteArray(110, 'd');
+        t.file("foreign/inside.txt");
+        t.dir("near/bound");
+        t.dir(deep + "/bound");
+        int out[2];
+        QCOMPARE(::pipe(out), 0);
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            // In a mount namespace of its own, so no mount outlives the test whatever happens.
+            std::int64_t counts[3] = {-1, -1, -1};
+            if (::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                ::mount(t.path("foreign").constData(), t.path("near/bound").constData(), nullptr, MS_BIND, nullptr) ==
+                    0 &&
+                ::mount(t.path("foreign").constData(), t.path(deep + "/bound").constData(), nullptr, MS_BIND,
+                        nullptr) == 0) {
+                const auto r = FolderWalk::run(t.root());
+                counts[0] = r->folderCount();
+                counts[1] = r->fileCount();
+                counts[2] = 0;
+                ::umount2(t.path(deep + "/bound").constData(), MNT_DETACH);
+                ::umount2(t.path("near/bound").constData(), MNT_DETACH);
+            }
+            ::_exit(::write(out[1], counts, sizeof counts) == sizeof counts ? 0 : 1);
+        }
+        ::close(out[1]);
+        std::int64_t counts[3] = {};
+        QCOMPARE(::read(out[0], counts, sizeof counts), qint64(sizeof counts));
+        ::close(out[0]);
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+        if (counts[0] < 0)
+            QSKIP("no mount namespace or bind mount here");
+        QCOMPARE(counts[0], 30 + 1 + 1 + 2); // the deep chain and its bound folder, foreign, near and its own
+        QCOMPARE(counts[1], 1);              // foreign's own file, once
     }
 
     void sizesNeverWrap()
