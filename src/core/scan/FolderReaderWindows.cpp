@@ -7,17 +7,17 @@
 #include <QString>
 #include <filesystem>
 
-void FolderReader::prepare(const QByteArray&, Start&) {}
+void FolderReader::prepare(const QByteArray&, int, Start&) {}
 
-void FolderReader::release(FolderPlace&) {}
-
-FolderReader::FolderReader(const Start& start) : m_start(start) {}
+FolderReader::FolderReader(Start& start) : m_start(start) {}
 
 FolderReader::~FolderReader() = default;
 
 void FolderReader::close() {}
 
-bool FolderReader::list(const FolderPlace& place, bool, DirState& state, Sink& sink)
+void FolderReader::release(FolderPlace&) {}
+
+bool FolderReader::list(const FolderPlace& place, bool, DirState& state, int& error, Sink& sink)
 {
     namespace fs = std::filesystem;
     const QString display = NativeText::toDisplay(place.path);
@@ -26,6 +26,7 @@ bool FolderReader::list(const FolderPlace& place, bool, DirState& state, Sink& s
     fs::directory_iterator it(dirPath, ec);
     if (ec) {
         state = ec == std::errc::no_such_file_or_directory ? DirState::Vanished : DirState::Unreadable;
+        error = ec.value();
         return false;
     }
     for (; it != fs::directory_iterator(); it.increment(ec)) {
@@ -44,7 +45,7 @@ bool FolderReader::list(const FolderPlace& place, bool, DirState& state, Sink& s
     return true;
 }
 
-void FolderReader::openChild(const FolderPlace& parent, std::string_view name, FolderPlace& child, DirState&)
+void FolderReader::openChild(const FolderPlace& parent, std::string_view name, FolderPlace& child, DirState&, int&)
 {
     child.path = parent.path;
     if (child.path.empty() || child.path.back() != Separator)

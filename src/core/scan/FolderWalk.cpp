@@ -10,6 +10,7 @@
 #include <QString>
 #include <algorithm>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -28,6 +29,7 @@ struct RawDir
     std::uint32_t childCount = 0;
     std::uint8_t worker = 0;
     DirState state = DirState::Pending;
+    std::uint16_t error = 0; // why an unreadable folder could not be read
 };
 
 // Folder records indexed by id, in chunks that never move, so workers can fill their own records while
@@ -60,8 +62,15 @@ void appendKey(std::string_view name, std::u16string& keys)
             keys.push_back(char16_t((c >= 'a' && c <= 'z') ? c - 32 : c));
         return;
     }
-    const QString upper = NativeText::toDisplay(name).toUpper();
+    const QString upper = NativeText::upperUnits(NativeText::toDisplay(name));
     keys.append(reinterpret_cast<const char16_t*>(upper.utf16()), size_t(upper.size()));
+}
+
+// Sizes add up without wrapping: a sum past 2^64 bytes stays at the largest size, which is too large to show and
+// so takes the overflow path of every other oversized folder.
+std::uint64_t addSize(std::uint64_t a, std::uint64_t b)
+{
+    return b > UINT64_MAX - a ? UINT64_MAX : a + b;
 }
 
 bool lessBytes(std::string_view a, std::string_view b)
@@ -82,6 +91,7 @@ struct Child
     NameArena::Ref name;
     DirState state; // Pending: to be read
     FolderPlace place;
+    int error = 0;
 };
 
 struct Shared
@@ -128,7 +138,7 @@ public:
             m_children.clear();
             const bool cancelled = m_shared.options.cancel && m_shared.options.cancel->load(std::memory_order_relaxed);
             if (cancelled) {
-                FolderReader::release(item.place);
+                m_reader.release(item.place);
             } else {
                 read(item);
             }
@@ -155,6 +165,7 @@ private:
             RawDir& d = m_shared.table[base + std::uint32_t(k)];
             d.name = c.name;
             d.state = c.state;
+            d.error = std::uint16_t(c.error);
             if (c.state == DirState::Pending) {
                 m_shared.stack.push_back(Item{base + std::uint32_t(k), std::move(c.place)});
                 ++queued;
@@ -204,7 +215,10 @@ private:
         m_pool.clear();
         m_keys.clear();
         m_entries.clear();
-        if (!m_reader.list(item.place, item.id == 0, self.state, *this))
+        int error = 0;
+        const bool opened = m_reader.list(item.place, item.id == 0, self.state, error, *this);
+        self.error = std::uint16_t(error);
+        if (!opened)
             return;
         std::vector<std::uint32_t>& order = m_order;
         order.resize(m_entries.size());
@@ -222,14 +236,14 @@ private:
             nameBytes += name.size() + (name.size() < 0x80 ? 1 : 2);
             if (!e.dir) {
                 files.push_back(m_names.add(name));
-                self.ownBytes += e.size;
+                self.ownBytes = addSize(self.ownBytes, e.size);
                 continue;
             }
             Child c{m_names.add(name), DirState::Pending, {}};
             if (e.otherDevice) {
                 c.state = DirState::NotEntered; // a mount point: listed, not entered
             } else {
-                m_reader.openChild(item.place, name, c.place, c.state);
+                m_reader.openChild(item.place, name, c.place, c.state, c.error);
             }
             m_children.push_back(std::move(c));
         }
@@ -370,12 +384,11 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
 
     Shared shared(r.m_names, options);
     shared.table.ensure(1);
-    FolderReader::prepare(start, shared.start);
-    shared.stack.push_back(Item{0, {-1, start.toStdString()}});
-    shared.pending = 1;
-
     int threads = options.threads > 0 ? options.threads : int(std::thread::hardware_concurrency());
     threads = std::clamp(threads, 1, 16);
+    FolderReader::prepare(start, threads, shared.start);
+    shared.stack.push_back(Item{0, {-1, start.toStdString(), {}}});
+    shared.pending = 1;
     std::vector<std::unique_ptr<Worker>> workers;
     for (int k = 0; k < threads; ++k)
         workers.push_back(std::make_unique<Worker>(shared, std::uint8_t(k)));
@@ -408,7 +421,24 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
             parent[d.firstChild + c] = id;
     }
     for (std::uint32_t id = count; id-- > 1;)
-        total[parent[id]] += total[id];
+        total[parent[id]] = addSize(total[parent[id]], total[id]);
+
+    for (std::uint32_t id = 0; id < count; ++id) {
+        if (table[id].state != DirState::Unreadable)
+            continue;
+        std::vector<std::string_view> names;
+        for (std::uint32_t at = id; at != 0; at = parent[at])
+            names.push_back(r.m_names.get(table[at].name));
+        QByteArray path = start;
+        for (auto it = names.rbegin(); it != names.rend(); ++it) {
+            if (!path.endsWith(FolderReader::Separator))
+                path.append(FolderReader::Separator);
+            path.append(it->data(), qsizetype(it->size()));
+        }
+        r.m_unreadable.push_back({path, table[id].error});
+    }
+    std::sort(r.m_unreadable.begin(), r.m_unreadable.end(),
+              [](const auto& a, const auto& b) { return a.path < b.path; });
 
     // Nodes: the start folder, the listed folders in order, then any folder whose files were listed but which
     // the Short limit stopped before it was entered.

@@ -68,6 +68,15 @@ public:
     // True when some name entries stand in for paths too long to take apart (see shownName).
     bool hasStaleNames() const { return !m_staleNames.empty(); }
 
+    // A folder the walk found but could not read: its path as native bytes and the system's error number.
+    struct UnreadableFolder
+    {
+        QByteArray path;
+        int error;
+    };
+    // Sorted by path; the folders are listed all the same, with what could be read of them.
+    const std::vector<UnreadableFolder>& unreadableFolders() const { return m_unreadable; }
+
     // What the next scan of the same window starts from: the size and name its last entry computation left.
     Carry carryOut() const { return m_carryOut; }
 
@@ -114,6 +123,7 @@ private:
     // (UINT64_MAX: the name carried in from the previous scan). Sorted by entry; almost always empty.
     std::vector<std::pair<std::uint64_t, std::uint64_t>> m_staleNames;
     QByteArray m_carriedName;
+    std::vector<UnreadableFolder> m_unreadable;
     Carry m_carryOut;
     qint64 m_folderCount = 0;
     bool m_limitReached = false;
