@@ -50,10 +50,8 @@ void CopyActions::copySelectedFile()
         const QString question = withName(collection.inText(flavour.replaceFileQuestion), name);
         if (m_services.messages->message(question, MessageStyle::YesNoExclamation) != Answer::Yes)
             return;
-        if (const RuntimeError::Number error = ItemCopy::removeFile(target)) {
-            failUnhandled(m_services, error);
-            return;
-        }
+        // The old file is not deleted first: the copy replaces it only once complete, so a failing copy leaves
+        // the user's file as it was.
         report = QStringLiteral("File ") + name +
                  collection.inText(QStringLiteral(" replaced successfully in C:\\QUILLBOX."));
     } else {
