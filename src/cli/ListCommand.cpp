@@ -20,6 +20,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #ifndef _WIN32
@@ -104,7 +105,9 @@ private:
 constexpr char Separator = '/'; // a backslash is an ordinary character in a name here
 
 // The folder as an absolute path of native bytes. realpath cannot give one longer than PATH_MAX; such a
-// folder is named from the current folder instead, which getcwd reaches at any length.
+// folder is named from the current folder instead, which getcwd reaches at any length. The walk opens its start
+// folder by path, which the system refuses past PATH_MAX: until it can open one component by component, such a
+// folder keeps the name it was given, so it is still listed.
 QByteArray absoluteFolder(const QByteArray& arg)
 {
     if (char* real = ::realpath(arg.constData(), nullptr)) {
@@ -124,7 +127,7 @@ QByteArray absoluteFolder(const QByteArray& arg)
         path.chop(2);
     while (path.size() > 1 && path.endsWith(Separator))
         path.chop(1);
-    return path;
+    return path.size() < PATH_MAX ? path : arg;
 }
 
 // 0 when `path` is a folder that can be listed, else the errno that says why not (ENOTDIR: not a folder).
