@@ -80,6 +80,7 @@ private slots:
         const QByteArray written = QFile::encodeName(elsewhere) + "/d\xff\xfe/deeper/Files List - " +
                                    QFile::encodeName(QFileInfo(root).fileName()) + ".txt";
         QVERIFY2(::access(written.constData(), F_OK) == 0, r.out.constData());
+        QProcess::execute(QStringLiteral("rm"), {QStringLiteral("-rf"), elsewhere}); // beyond QTemporaryDir
     }
 
     void searchFromTheCommandLine()
