@@ -351,7 +351,9 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
     const SaveFlow::Outcome outcome = flow.run(SaveFlow::Kind::Set, sources);
     if (outcome.error != RuntimeError::None)
         return SaveFailed;
-    // The folders the walk could not read are not known to this program yet; once the walk reports them, each is
-    // named here ("cannot read 'PATH': reason") and the status becomes SomeUnreadable.
-    return Written;
+    // The listing stands with what could be read; as find and du do, each folder that could not be read is named
+    // and the status says the listing is incomplete.
+    for (const ScanResult::UnreadableFolder& unreadable : result->unreadableFolders())
+        complain(err, "cannot read", unreadable.path, std::strerror(unreadable.error));
+    return result->unreadableFolders().empty() ? Written : SomeUnreadable;
 }

@@ -6,7 +6,11 @@
 
 #include <QDir>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -154,6 +158,30 @@ private slots:
             QCOMPARE(QDir(box()).entryList(QDir::Files), before);
         else if (args.first().startsWith(QLatin1String("--name=")))
             QVERIFY(QFile::exists(box() + QStringLiteral("/Files List - joined.txt")));
+    }
+
+    void unreadableFolderNamedAndListingWritten()
+    {
+        // Permissions bind only an ordinary user, so the lister runs as one.
+        if (QStandardPaths::findExecutable(QStringLiteral("setpriv")).isEmpty())
+            QSKIP("setpriv is needed to run the lister as an ordinary user");
+        TreeBuilder t;
+        t.file("a/locked/secret.txt");
+        t.file("a/open.txt");
+        const QByteArray out = t.root() + "/out";
+        QVERIFY(QDir().mkdir(QFile::decodeName(out)));
+        for (const QByteArray& p : {t.root(), out})
+            ::chmod(p.constData(), 0777);
+        ::chmod(t.path("a/locked").constData(), 0);
+        const ListerRun r(m_home.path(), {QStringLiteral("--out"), QFile::decodeName(out), QFile::decodeName(t.root())},
+                          {QStringLiteral("setpriv"), QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                           QStringLiteral("--clear-groups")});
+        ::chmod(t.path("a/locked").constData(), 0755);
+        if (r.code == 0 && ::geteuid() != 0)
+            QSKIP("permissions do not bind here");
+        QCOMPARE(r.code, 4);
+        QCOMPARE(r.err, "quillary-list: cannot read '" + t.path("a/locked") + "': Permission denied\n");
+        QCOMPARE(QDir(QFile::decodeName(out)).entryList(QDir::Files).size(), 4);
     }
 };
 
