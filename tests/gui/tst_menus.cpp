@@ -199,8 +199,11 @@ private slots:
         QFETCH(int, row);
         QFETCH(QString, box);
         ScanResultBuilder b("/many");
-        for (int i = 0; i < 33000; ++i)
-            b.addFolder("d" + std::to_string(i), 0);
+        for (int i = 0; i < 33000; ++i) {
+            std::string name = "d"; // appended, not "d" + ...: GCC 12 warns falsely about that form (-Wrestrict)
+            name += std::to_string(i);
+            b.addFolder(name, 0);
+        }
         auto w = windowWith(m_fakes, longVersion, b.finish());
         w->panes().setCurrentRow(2, row);
         trigger(*w, u"ShowSerialNo2"_s, u"ShowSerialNo2"_s);
