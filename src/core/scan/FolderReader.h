@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <climits>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -42,7 +43,10 @@ public:
     {
     public:
         virtual ~Sink() = default;
-        virtual void add(std::string_view name, std::uint64_t size, bool dir, bool otherDevice) = 0;
+        // `mtime`: seconds since 1970 UTC, LLONG_MIN when not known (a folder's is not read here).
+        virtual void add(std::string_view name, std::uint64_t size, std::int64_t mtime, bool dir, bool otherDevice) = 0;
+        // The listed folder's own modification time, once it is open.
+        virtual void folderTime(std::int64_t mtime) = 0;
     };
 
     static void prepare(const QByteArray& startPath, Start& start);

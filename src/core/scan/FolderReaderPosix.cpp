@@ -173,6 +173,8 @@ bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state,
         return false;
     }
     const int dfd = m_fd;
+    struct stat self;
+    sink.folderTime(::fstat(dfd, &self) == 0 ? std::int64_t(self.st_mtime) : LLONG_MIN);
     const auto isMountPoint = [&](const char* name) {
         if (m_start.mountPoints.empty())
             return false;
@@ -190,7 +192,7 @@ bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state,
         if (type == DT_DIR && m_start.mountsKnown) {
             // A folder needs no stat of its own: its size is what is below it, and whether it is a mount
             // point the mount table says.
-            sink.add(n, 0, true, isMountPoint(n));
+            sink.add(n, 0, LLONG_MIN, true, isMountPoint(n));
             return;
         }
         struct stat st;
@@ -198,11 +200,12 @@ bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state,
             if (errno == ENOENT)
                 return; // gone since the folder was listed
             // Listed but not searchable: the entry is there, its details are not.
-            sink.add(n, 0, type == DT_DIR, false);
+            sink.add(n, 0, LLONG_MIN, type == DT_DIR, false);
             return;
         }
         const bool isDir = S_ISDIR(st.st_mode);
-        sink.add(n, isDir ? 0 : std::uint64_t(st.st_size), isDir, isDir && std::uint64_t(st.st_dev) != m_start.device);
+        sink.add(n, isDir ? 0 : std::uint64_t(st.st_size), std::int64_t(st.st_mtime), isDir,
+                 isDir && std::uint64_t(st.st_dev) != m_start.device);
     });
     if (!listed)
         state = DirState::Unreadable; // listed by its parent, but nothing in it can be read
