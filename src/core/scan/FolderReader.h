@@ -46,7 +46,7 @@ public:
         // `mtime`: seconds since 1970 UTC, LLONG_MIN when not known (a folder's is not read here).
         virtual void add(std::string_view name, std::uint64_t size, std::int64_t mtime, bool dir, bool otherDevice) = 0;
         // The listed folder's own modification time, once it is open.
-        virtual void folderTime(std::int64_t mtime) = 0;
+        virtual void folderTime(std::int64_t mtime) { (void)mtime; }
     };
 
     static void prepare(const QByteArray& startPath, Start& start);
