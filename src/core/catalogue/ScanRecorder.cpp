@@ -11,8 +11,8 @@ std::optional<qint64> ScanRecorder::record(Catalogue& catalogue, const Walk& wal
 {
     const ScanResult& r = *walk.result;
     ScanInfo info;
-    info.scannedAtMs = walk.startedAtMs;
-    info.durationMs = walk.durationMs;
+    info.scannedAtMs = walk.startedAtMs ? walk.startedAtMs : r.walkStartedAtMs();
+    info.durationMs = walk.startedAtMs ? walk.durationMs : r.walkDurationMs();
     info.startPath = r.startPath();
     info.separator = r.separator();
     info.volume = VolumeProbe::describe(r.startPath());

@@ -15,7 +15,7 @@ namespace ScanRecorder {
 struct Walk
 {
     const ScanResult* result = nullptr;
-    qint64 startedAtMs = 0; // UTC
+    qint64 startedAtMs = 0; // UTC; 0: the walk's own times
     qint64 durationMs = 0;
     QString listingName; // when it came from a save
 };

@@ -7,6 +7,8 @@
 
 #include "FolderReader.h"
 
+#include <QDateTime>
+#include <QElapsedTimer>
 #include <QString>
 #include <algorithm>
 #include <condition_variable>
@@ -378,6 +380,9 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     r.m_separator = FolderReader::Separator;
     r.m_startPath = start;
     r.m_carriedName = options.carry.lastName;
+    r.m_walkStartedAtMs = QDateTime::currentMSecsSinceEpoch();
+    QElapsedTimer clock;
+    clock.start();
 
     Shared shared(r.m_names, options);
     shared.table.ensure(1);
@@ -475,5 +480,6 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     }
 
     r.markLongPaths();
+    r.m_walkDurationMs = clock.elapsed();
     return result;
 }

@@ -109,6 +109,10 @@ public:
     // What the next scan of the same window starts from: the size and name its last entry computation left.
     Carry carryOut() const { return m_carryOut; }
 
+    // When the walk began (UTC) and how long it took, for the catalogue; 0 for a result built otherwise.
+    qint64 walkStartedAtMs() const { return m_walkStartedAtMs; }
+    qint64 walkDurationMs() const { return m_walkDurationMs; }
+
     // Heap bytes held in all; of those, the bytes of the entries and their index (names and the arena's unused
     // tail left out), and the bytes the names take in the arena, length prefixes included.
     std::size_t memoryUsage() const;
@@ -156,6 +160,8 @@ private:
     QByteArray m_carriedName;
     Carry m_carryOut;
     qint64 m_folderCount = 0;
+    qint64 m_walkStartedAtMs = 0;
+    qint64 m_walkDurationMs = 0;
     bool m_limitReached = false;
     std::size_t m_nameBytes = 0;
 };
