@@ -2,6 +2,7 @@
 
 #include "ListCommand.h"
 
+#include "catalogue/ScanRecorder.h"
 #include "common/NativeText.h"
 #include "common/NumberText.h"
 #include "export/FileOps.h"
@@ -13,6 +14,7 @@
 #include "volumes/DriveCaption.h"
 #include "volumes/VolumeService.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -37,6 +39,7 @@ const char* const Usage = "Usage: quillary-list [--short] [--name NAME] [--out D
                           "  --name NAME  the name in the four file names (default: FOLDER's last component)\n"
                           "  --out DIR    where to write them (default: the collection folder, ~/Quillbox)\n"
                           "  --yes        replace the four files when they all exist already\n"
+                          "  --no-catalogue  do not record the scan in the catalogue (~/Quillbox/catalogue.sqlite)\n"
                           "  --search TEXT  instead of writing listings, search the folder names (with\n"
                           "               their sizes) or the file names for TEXT, ignoring case, and\n"
                           "               print the numbered results and their count as the window does\n"
@@ -118,7 +121,7 @@ QByteArray absoluteFolder(const QByteArray& arg)
 
 int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
 {
-    bool isShort = false, yes = false, haveName = false, search = false;
+    bool isShort = false, yes = false, haveName = false, search = false, catalogue = true;
     QString name, outDir, searchText, searchIn = QStringLiteral("files");
     QByteArray folder;
     for (qsizetype i = 0; i < args.size(); ++i) {
@@ -138,6 +141,8 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
             isShort = true;
         } else if (a == "--yes") {
             yes = true;
+        } else if (a == "--no-catalogue") {
+            catalogue = false;
         } else if (a == "--name") {
             if (!value(name))
                 return 2;
@@ -205,6 +210,7 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
     options.flavour = isShort ? ScanResult::Flavour::Short : ScanResult::Flavour::Long;
     QElapsedTimer clock;
     clock.start();
+    const qint64 startedAtMs = QDateTime::currentMSecsSinceEpoch();
     const std::unique_ptr<ScanResult> result = FolderWalk::run(start, options);
     const qint64 elapsed = clock.elapsed();
     if (result->limitReached())
@@ -253,5 +259,11 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
         return 1;
     if (outcome.error != RuntimeError::None)
         return 3;
+    if (catalogue) {
+        // The listing stands whatever happens here; a catalogue that cannot be written is only reported.
+        QString error;
+        if (!ScanRecorder::recordInCollection({result.get(), startedAtMs, elapsed, name}, &error))
+            print(err, QStringLiteral("quillary-list: the scan was not recorded in the catalogue: ") + error);
+    }
     return 0;
 }
