@@ -38,7 +38,7 @@ VolumeInfo VolumeProbe::describe(const QByteArray& path)
     v.label = storage.name();
     v.fsType = QString::fromUtf8(storage.fileSystemType());
     v.uuid = uuidOfDevice(storage.device());
-    v.typeCode = SystemVolumeService().volumeOf(display).typeCode;
+    v.typeCode = int(SystemVolumeService().volumeOf(display).type);
     if (storage.isValid() && storage.isReady()) {
         v.capacity = storage.bytesTotal();
         v.freeBytes = storage.bytesAvailable();
