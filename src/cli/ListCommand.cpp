@@ -2,6 +2,8 @@
 
 #include "ListCommand.h"
 
+#include "catalogue/ScanRecorder.h"
+
 #include "common/NativeText.h"
 #include "common/NumberText.h"
 #include "common/Version.h"
@@ -31,31 +33,33 @@
 
 namespace {
 
-const char* const Usage = "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] [--] FOLDER\n"
-                          "       quillary-list [--short] --search TEXT [--in folders|files] [--] FOLDER\n"
-                          "\n"
-                          "Lists every folder and file below FOLDER and writes the four listing files of\n"
-                          "\"Create Text Files\":\n"
-                          "  Folders List WithPath NAME.txt   Folders List - NAME.txt\n"
-                          "  Files List WithPath NAME.txt     Files List - NAME.txt\n"
-                          "\n"
-                          "Options:\n"
-                          "  --short      stop at 32767 files, as the Short window does (default: no limit)\n"
-                          "  --name NAME  the name in the four file names (default: FOLDER's last component)\n"
-                          "  --out DIR    where to write them (default: the collection folder, ~/Quillbox)\n"
-                          "  --yes        replace any of the four files that exist already\n"
-                          "  --search TEXT  instead of writing listings, search the folder names (with\n"
-                          "               their sizes) or the file names for TEXT, ignoring case, and\n"
-                          "               print the numbered results and their count as the window does\n"
-                          "  --in folders|files  which list --search searches (default: files)\n"
-                          "  -h, --help   show this text\n"
-                          "  --version    show the version\n"
-                          "  --           end of the options: what follows is FOLDER\n"
-                          "Options take their value as --name NAME or --name=NAME.\n"
-                          "\n"
-                          "Exit status: 0 written; 1 a listing file exists and --yes was not given\n"
-                          "(nothing written); 2 bad arguments or FOLDER cannot be listed; 3 the files\n"
-                          "could not be written; 4 written, but some folders could not be read.\n";
+const char* const Usage =
+    "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] [--no-catalogue] [--] FOLDER\n"
+    "       quillary-list [--short] --search TEXT [--in folders|files] [--] FOLDER\n"
+    "\n"
+    "Lists every folder and file below FOLDER and writes the four listing files of\n"
+    "\"Create Text Files\":\n"
+    "  Folders List WithPath NAME.txt   Folders List - NAME.txt\n"
+    "  Files List WithPath NAME.txt     Files List - NAME.txt\n"
+    "\n"
+    "Options:\n"
+    "  --short      stop at 32767 files, as the Short window does (default: no limit)\n"
+    "  --name NAME  the name in the four file names (default: FOLDER's last component)\n"
+    "  --out DIR    where to write them (default: the collection folder, ~/Quillbox)\n"
+    "  --yes        replace any of the four files that exist already\n"
+    "  --no-catalogue  do not record the scan in the catalogue (~/Quillbox/catalogue.sqlite)\n"
+    "  --search TEXT  instead of writing listings, search the folder names (with\n"
+    "               their sizes) or the file names for TEXT, ignoring case, and\n"
+    "               print the numbered results and their count as the window does\n"
+    "  --in folders|files  which list --search searches (default: files)\n"
+    "  -h, --help   show this text\n"
+    "  --version    show the version\n"
+    "  --           end of the options: what follows is FOLDER\n"
+    "Options take their value as --name NAME or --name=NAME.\n"
+    "\n"
+    "Exit status: 0 written; 1 a listing file exists and --yes was not given\n"
+    "(nothing written); 2 bad arguments or FOLDER cannot be listed; 3 the files\n"
+    "could not be written; 4 written, but some folders could not be read.\n";
 
 // The exit statuses, as the usage text and the manual page give them.
 enum Exit { Written = 0, Refused = 1, BadArguments = 2, SaveFailed = 3, SomeUnreadable = 4 };
@@ -215,14 +219,15 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
     QCommandLineParser parser;
     const QCommandLineOption shortOption(QStringLiteral("short"));
     const QCommandLineOption yesOption(QStringLiteral("yes"));
+    const QCommandLineOption noCatalogueOption(QStringLiteral("no-catalogue"));
     const QCommandLineOption nameOption(QStringLiteral("name"), QString(), QStringLiteral("NAME"));
     const QCommandLineOption outOption(QStringLiteral("out"), QString(), QStringLiteral("DIR"));
     const QCommandLineOption searchOption(QStringLiteral("search"), QString(), QStringLiteral("TEXT"));
     const QCommandLineOption inOption(QStringLiteral("in"), QString(), QStringLiteral("LIST"), QStringLiteral("files"));
     const QCommandLineOption helpOption(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption versionOption(QStringLiteral("version"));
-    parser.addOptions(
-        {shortOption, yesOption, nameOption, outOption, searchOption, inOption, helpOption, versionOption});
+    parser.addOptions({shortOption, yesOption, noCatalogueOption, nameOption, outOption, searchOption, inOption,
+                       helpOption, versionOption});
     parser.addPositionalArgument(QStringLiteral("FOLDER"), QString());
     if (!parser.parse(texts)) {
         print(err,
@@ -351,6 +356,12 @@ int runListCommand(const QByteArrayList& args, std::FILE* out, std::FILE* err)
     const SaveFlow::Outcome outcome = flow.run(SaveFlow::Kind::Set, sources);
     if (outcome.error != RuntimeError::None)
         return SaveFailed;
+    if (!parser.isSet(noCatalogueOption)) {
+        // The listing stands whatever happens here; a catalogue that cannot be written is only reported.
+        QString error;
+        if (!ScanRecorder::recordInCollection({result.get(), 0, elapsed, name}, &error))
+            print(err, QStringLiteral("quillary-list: the scan was not recorded in the catalogue: ") + error);
+    }
     // The listing stands with what could be read; as find and du do, each folder that could not be read is named
     // and the status says the listing is incomplete.
     for (const ScanResult::UnreadableFolder& unreadable : result->unreadableFolders())

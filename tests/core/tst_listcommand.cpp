@@ -122,9 +122,10 @@ private slots:
                                              << QByteArray("quillary-list: cannot read '--yes': No such file");
         QTest::newRow("--version") << QStringList{QStringLiteral("--version")} << 0
                                    << QByteArray("quillary-list " QUILLARY_VERSION "\n");
-        QTest::newRow("-h") << QStringList{QStringLiteral("-h")} << 0
-                            << QByteArray(
-                                   "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] [--] FOLDER");
+        QTest::newRow("-h")
+            << QStringList{QStringLiteral("-h")} << 0
+            << QByteArray(
+                   "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] [--no-catalogue] [--] FOLDER");
         QTest::newRow("no folder") << QStringList() << 2 << QByteArray("quillary-list: no FOLDER given");
         QTest::newRow("missing folder") << QStringList{QStringLiteral("FOLDER/nope")} << 2
                                         << QByteArray("quillary-list: cannot read '");
@@ -173,7 +174,9 @@ private slots:
         for (const QByteArray& p : {t.root(), out})
             ::chmod(p.constData(), 0777);
         ::chmod(t.path("a/locked").constData(), 0);
-        const ListerRun r(m_home.path(), {QStringLiteral("--out"), QFile::decodeName(out), QFile::decodeName(t.root())},
+        const ListerRun r(m_home.path(),
+                          {QStringLiteral("--no-catalogue"), QStringLiteral("--out"), QFile::decodeName(out),
+                           QFile::decodeName(t.root())},
                           {QStringLiteral("setpriv"), QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
                            QStringLiteral("--clear-groups")});
         ::chmod(t.path("a/locked").constData(), 0755);

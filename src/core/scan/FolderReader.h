@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <atomic>
+#include <climits>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -60,7 +61,10 @@ public:
     {
     public:
         virtual ~Sink() = default;
-        virtual void add(std::string_view name, std::uint64_t size, bool dir, bool otherDevice) = 0;
+        // `mtime`: seconds since 1970 UTC, LLONG_MIN when not known (a folder's is not read here).
+        virtual void add(std::string_view name, std::uint64_t size, std::int64_t mtime, bool dir, bool otherDevice) = 0;
+        // The listed folder's own modification time, once it is open.
+        virtual void folderTime(std::int64_t mtime) { (void)mtime; }
     };
 
     // Raises the descriptor limit as far as it goes and settles `start` for a walk with `readers` readers.

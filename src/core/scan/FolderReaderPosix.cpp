@@ -149,6 +149,7 @@ struct EntryInfo
     bool dir;
     bool hasMountId;
     std::uint64_t size, device, inode, mountId;
+    std::int64_t mtime; // seconds since 1970 UTC
 };
 
 // `follow`: the entry may be a link to follow (only the start folder may).
@@ -156,10 +157,11 @@ bool statEntry(int dfd, const char* name, bool wantMountId, EntryInfo& info, boo
 {
 #ifdef __linux__
     struct statx sx;
-    const unsigned mask = STATX_TYPE | STATX_SIZE | STATX_INO | (wantMountId ? STATX_MNT_ID : 0);
+    const unsigned mask = STATX_TYPE | STATX_SIZE | STATX_INO | STATX_MTIME | (wantMountId ? STATX_MNT_ID : 0);
     if (::statx(dfd, name, (follow ? 0 : AT_SYMLINK_NOFOLLOW) | AT_NO_AUTOMOUNT, mask, &sx) == 0) {
         info.dir = S_ISDIR(sx.stx_mode);
         info.size = sx.stx_size;
+        info.mtime = std::int64_t(sx.stx_mtime.tv_sec);
         info.device = std::uint64_t(makedev(sx.stx_dev_major, sx.stx_dev_minor));
         info.inode = sx.stx_ino;
         info.hasMountId = (sx.stx_mask & STATX_MNT_ID) != 0;
@@ -174,6 +176,7 @@ bool statEntry(int dfd, const char* name, bool wantMountId, EntryInfo& info, boo
         return false;
     info.dir = S_ISDIR(st.st_mode);
     info.size = std::uint64_t(st.st_size);
+    info.mtime = std::int64_t(st.st_mtime);
     info.device = std::uint64_t(st.st_dev);
     info.inode = std::uint64_t(st.st_ino);
     info.hasMountId = false;
@@ -346,12 +349,14 @@ bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state,
         return false;
     }
     const int dfd = m_fd;
+    struct stat self;
+    sink.folderTime(::fstat(dfd, &self) == 0 ? std::int64_t(self.st_mtime) : LLONG_MIN);
     const bool checkMounts = m_start.mountsBelow;
     const int listError = forEachEntry(dfd, m_dents, [&](const char* n, unsigned char type) {
         if (type == DT_DIR && !checkMounts) {
             // A folder needs no stat of its own: its size is what is below it, and no mount point lies below
             // the start folder.
-            sink.add(n, 0, true, false);
+            sink.add(n, 0, LLONG_MIN, true, false);
             return;
         }
         EntryInfo info;
@@ -359,7 +364,7 @@ bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state,
             if (errno == ENOENT)
                 return; // gone since the folder was listed
             // Listed but not searchable: the entry is there, its details are not.
-            sink.add(n, 0, type == DT_DIR, false);
+            sink.add(n, 0, LLONG_MIN, type == DT_DIR, false);
             return;
         }
         bool otherMount = false;
@@ -367,7 +372,7 @@ bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state,
             otherMount = info.hasMountId && m_start.mountIds
                              ? info.mountId != m_start.mountId
                              : info.device != m_start.device || m_start.mountRoots.count({info.device, info.inode});
-        sink.add(n, info.dir ? 0 : info.size, info.dir, otherMount);
+        sink.add(n, info.dir ? 0 : info.size, info.mtime, info.dir, otherMount);
     });
     if (listError != 0) {
         state = DirState::Unreadable; // listed by its parent, but nothing in it can be read

@@ -5,6 +5,7 @@
 #include "common/NativeText.h"
 
 #include <QString>
+#include <chrono>
 #include <filesystem>
 
 void FolderReader::prepare(const QByteArray&, int, Start&) {}
@@ -29,6 +30,15 @@ bool FolderReader::list(const FolderPlace& place, bool, DirState& state, int& er
         error = ec.value();
         return false;
     }
+    {
+        std::error_code e2;
+        const auto written = fs::last_write_time(dirPath, e2);
+        sink.folderTime(
+            e2 ? LLONG_MIN
+               : std::int64_t(std::chrono::duration_cast<std::chrono::seconds>(
+                                  std::chrono::clock_cast<std::chrono::system_clock>(written).time_since_epoch())
+                                  .count()));
+    }
     for (; it != fs::directory_iterator(); it.increment(ec)) {
         if (ec)
             break;
@@ -40,7 +50,14 @@ bool FolderReader::list(const FolderPlace& place, bool, DirState& state, int& er
             continue;
         const bool isDir = fs::is_directory(st) && !it->is_symlink(e2);
         const std::uint64_t size = isDir ? 0 : it->file_size(e2);
-        sink.add({name.constData(), size_t(name.size())}, e2 ? 0 : size, isDir, false);
+        const bool sized = !e2;
+        const auto written = it->last_write_time(e2);
+        const std::int64_t mtime =
+            e2 ? LLONG_MIN
+               : std::int64_t(std::chrono::duration_cast<std::chrono::seconds>(
+                                  std::chrono::clock_cast<std::chrono::system_clock>(written).time_since_epoch())
+                                  .count());
+        sink.add({name.constData(), size_t(name.size())}, sized ? size : 0, mtime, isDir, false);
     }
     return true;
 }

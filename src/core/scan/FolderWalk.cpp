@@ -7,6 +7,8 @@
 
 #include "FolderReader.h"
 
+#include <QDateTime>
+#include <QElapsedTimer>
 #include <QString>
 #include <algorithm>
 #include <condition_variable>
@@ -23,6 +25,7 @@ struct RawDir
 {
     NameArena::Ref name = 0;
     std::uint64_t ownBytes = 0;
+    std::int64_t mtime = LLONG_MIN;
     std::uint64_t fileStart = 0;
     std::uint32_t fileCount = 0;
     std::uint32_t firstChild = 0;
@@ -113,6 +116,7 @@ struct Entry
 {
     std::uint32_t nameOff, nameLen, keyOff, keyLen;
     std::uint64_t size;
+    std::int64_t mtime;
     bool dir;
     bool otherDevice;
 };
@@ -148,6 +152,7 @@ public:
     }
 
     std::vector<NameArena::Ref> files;
+    std::vector<ScanResult::Stat> fileStats; // beside `files`
 
 private:
     // Under the lock: give the children their ids and queue those to be read.
@@ -181,7 +186,9 @@ private:
             m_shared.wake.notify_one();
     }
 
-    void add(std::string_view name, std::uint64_t size, bool dir, bool otherDevice) override
+    void folderTime(std::int64_t mtime) override { m_folderTime = mtime; }
+
+    void add(std::string_view name, std::uint64_t size, std::int64_t mtime, bool dir, bool otherDevice) override
     {
         Entry e;
         e.nameOff = std::uint32_t(m_pool.size());
@@ -191,6 +198,7 @@ private:
         appendKey(name, m_keys);
         e.keyLen = std::uint32_t(m_keys.size() - e.keyOff);
         e.size = size;
+        e.mtime = mtime;
         e.dir = dir;
         e.otherDevice = otherDevice;
         m_entries.push_back(e);
@@ -216,8 +224,10 @@ private:
         m_keys.clear();
         m_entries.clear();
         int error = 0;
+        m_folderTime = LLONG_MIN;
         const bool opened = m_reader.list(item.place, item.id == 0, self.state, error, *this);
         self.error = std::uint16_t(error);
+        self.mtime = m_folderTime;
         if (!opened)
             return;
         std::vector<std::uint32_t>& order = m_order;
@@ -236,6 +246,7 @@ private:
             nameBytes += name.size() + (name.size() < 0x80 ? 1 : 2);
             if (!e.dir) {
                 files.push_back(m_names.add(name));
+                fileStats.push_back({e.size, e.mtime});
                 self.ownBytes = addSize(self.ownBytes, e.size);
                 continue;
             }
@@ -266,6 +277,7 @@ private:
     std::vector<Entry> m_entries;
     std::vector<std::uint32_t> m_order;
     std::vector<Child> m_children;
+    std::int64_t m_folderTime = LLONG_MIN;
     FolderReader m_reader;
 };
 
@@ -381,6 +393,9 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     r.m_separator = FolderReader::Separator;
     r.m_startPath = start;
     r.m_carriedName = options.carry.lastName;
+    r.m_walkStartedAtMs = QDateTime::currentMSecsSinceEpoch();
+    QElapsedTimer clock;
+    clock.start();
 
     Shared shared(r.m_names, options);
     shared.table.ensure(1);
@@ -404,8 +419,11 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     const std::uint32_t count = shared.nextId;
     DirTable& table = shared.table;
     std::vector<const std::vector<NameArena::Ref>*> files;
-    for (const auto& w : workers)
+    std::vector<const std::vector<ScanResult::Stat>*> fileStats;
+    for (const auto& w : workers) {
         files.push_back(&w->files);
+        fileStats.push_back(&w->fileStats);
+    }
 
     Assembler layout(table, options.flavour);
     layout.run();
@@ -455,31 +473,42 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     r.m_folderCount = qint64(layout.order.size());
     r.m_dirs.reserve(layout.order.size() + 1 + extra.size());
     r.m_dirs.push_back({0, 0, 0});
+    r.m_dirStats.reserve(r.m_dirs.capacity());
+    r.m_dirStats.push_back({total[0], table[0].mtime});
     qint32 kb = options.carry.folderKb;
     for (const std::uint32_t id : layout.order) {
         // A folder of 2 TiB or more overflows the size; the size shown is then the one computed before.
         NumberText::kilobytes(total[id], kb);
         r.m_dirs.push_back({table[id].name, nodeOf[parent[id]], kb});
+        r.m_dirStats.push_back({total[id], table[id].mtime});
     }
-    for (const std::uint32_t id : extra)
+    for (const std::uint32_t id : extra) {
         r.m_dirs.push_back({table[id].name, nodeOf[parent[id]], 0});
+        r.m_dirStats.push_back({total[id], table[id].mtime});
+    }
     r.m_carryOut.folderKb = kb;
 
     std::size_t fileTotal = 0;
     for (const auto& run : layout.runs)
         fileTotal += run.count;
     r.m_files.reserve(fileTotal);
+    r.m_fileStats.reserve(fileTotal);
     for (const auto& run : layout.runs) {
         const std::vector<NameArena::Ref>& names = *files[run.worker];
+        const std::vector<ScanResult::Stat>& stats = *fileStats[run.worker];
         for (std::uint64_t k = run.start; k < run.start + run.count; ++k) {
             const NameArena::Ref ref = names[size_t(k)];
             r.m_files.push_back({nodeOf[run.dir], std::uint32_t(ref), std::uint32_t(ref >> 32)});
+            r.m_fileStats.push_back(stats[size_t(k)]);
         }
     }
     r.m_nameBytes = shared.nameBytes.load() + size_t(start.size());
-    for (auto& w : workers)
+    for (auto& w : workers) {
         std::vector<NameArena::Ref>().swap(w->files);
+        std::vector<ScanResult::Stat>().swap(w->fileStats);
+    }
 
     r.markLongPaths();
+    r.m_walkDurationMs = clock.elapsed();
     return result;
 }

@@ -157,6 +157,7 @@ QString ScanResult::text(List list, qint64 row) const
 std::size_t ScanResult::indexBytes() const
 {
     return m_dirs.capacity() * sizeof(DirNode) + m_files.capacity() * sizeof(FileEntry) +
+           (m_dirStats.capacity() + m_fileStats.capacity()) * sizeof(Stat) +
            m_staleNames.capacity() * sizeof(m_staleNames[0]) + size_t(m_startPath.capacity());
 }
 

@@ -14,7 +14,7 @@ namespace {
 struct FolderNames : FolderReader::Sink
 {
     QList<QByteArray> names;
-    void add(std::string_view name, std::uint64_t, bool dir, bool) override
+    void add(std::string_view name, std::uint64_t, std::int64_t, bool dir, bool) override
     {
         if (dir)
             names.append(QByteArray(name.data(), qsizetype(name.size())));
