@@ -244,12 +244,25 @@ private slots:
         QCOMPARE(ui.Label8->text(), u"Show File Names only"_s);
         QCOMPARE(w->height(), height);
 
-        // Maximised, the toggle cannot change the width; back to normal, the design values return.
+        // Maximised, the panes, the search section and the path frame fill the window and the toggle cannot change
+        // the width; back to normal, every control stands where it stood.
+        QHash<QWidget*, QRect> normal;
+        for (QWidget* child : w->findChildren<QWidget*>())
+            normal.insert(child, child->geometry());
         w->showMaximized();
         QTRY_VERIFY(w->isMaximized());
         QTRY_VERIFY(!ui.Label8->isEnabled());
+        const QRect names = pane(*w, 4)->geometry(), paths = pane(*w, 3)->geometry();
+        QVERIFY(names.right() < w->width() && names.right() > w->width() * 8 / 10);
+        QVERIFY(paths.right() < names.left());
+        QVERIFY(qAbs(ui.pathFrame->geometry().bottom() - (w->height() - 1)) <= 1);
+        QVERIFY(paths.bottom() < ui.pathFrame->y());
+        QVERIFY(ui.Text1->geometry().right() < ui.pathFrame->width());
+        QVERIFY(ui.Frame1->geometry().right() <= paths.right() + 1);
         w->showNormal();
         QTRY_VERIFY(ui.Label8->isEnabled());
+        for (auto it = normal.cbegin(); it != normal.cend(); ++it)
+            QCOMPARE(it.key()->geometry(), it.value());
         QCOMPARE(pane(*w, 3)->width(), Twips::toPx(4800));
         QCOMPARE(ui.Text1->width(), Twips::toPx(7740));
         QCOMPARE(ui.playerFrame->x(), Twips::toPx(longVersion ? 30 : 165));

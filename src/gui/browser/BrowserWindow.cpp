@@ -755,38 +755,84 @@ void BrowserWindow::applyLayout()
         return;
     m_applyingLayout = true;
     const bool maximised = isMaximized();
-    // The same properties in both states: design values when normal, values from the window's size when
-    // maximised, where the file-path pane reaches to the file-name pane and the path boxes to the right edge.
-    for (const BrowserFlavour::Restore& step : m_flavour.restore) {
-        auto* w = findChild<QWidget*>(step.control);
-        if (!w)
-            continue;
-        int px = Twips::toPx(step.twips);
-        if (maximised) {
-            if (step.control == m_flavour.paneName(3) && step.property == BrowserFlavour::Restore::Width)
-                px = m_ui.Frame4->x() - w->x() - Twips::toPx(60);
-            else if (step.control == QLatin1String("Label5") && step.property == BrowserFlavour::Restore::Width)
-                px = findChild<QWidget*>(m_flavour.paneName(3))->width() - 1;
-            else if (step.control.startsWith(QLatin1String("Text")))
-                px = width() - w->x() - Twips::toPx(105);
-            else if (w == m_ui.playerFrame)
-                px = (width() - w->width()) / 2;
+    if (maximised) {
+        stretchToWindow();
+    } else {
+        for (const auto& [w, place] : std::as_const(m_normalPlaces)) {
+            if (w)
+                w->setGeometry(place);
         }
-        switch (step.property) {
-        case BrowserFlavour::Restore::Left:
-            w->move(px, w->y());
-            break;
-        case BrowserFlavour::Restore::Top:
-            w->move(w->x(), px);
-            break;
-        case BrowserFlavour::Restore::Width:
-            w->resize(px, w->height());
-            break;
-        case BrowserFlavour::Restore::Height:
-            w->resize(w->width(), px);
-            break;
+        m_normalPlaces.clear();
+        for (const BrowserFlavour::Restore& step : m_flavour.restore) {
+            auto* w = findChild<QWidget*>(step.control);
+            if (!w)
+                continue;
+            const int px = Twips::toPx(step.twips);
+            switch (step.property) {
+            case BrowserFlavour::Restore::Left:
+                w->move(px, w->y());
+                break;
+            case BrowserFlavour::Restore::Top:
+                w->move(w->x(), px);
+                break;
+            case BrowserFlavour::Restore::Width:
+                w->resize(px, w->height());
+                break;
+            case BrowserFlavour::Restore::Height:
+                w->resize(w->width(), px);
+                break;
+            }
         }
     }
     m_ui.Label8->setEnabled(!maximised);
     m_applyingLayout = false;
+}
+
+// The maximised window: the panes, their frames and labels, the search section and the player take the window's
+// width in the proportions of the wide design (all four panes in view), and its height down to the path frame,
+// which keeps its height along the bottom edge and stretches its boxes and the go-to frame with the width.
+void BrowserWindow::stretchToWindow()
+{
+    const double sx = width() / double(Twips::toPx(WideWidth - 120));
+    const int designHeight = Twips::toPx(m_flavour.clientTwips.height());
+    const int bandTop = Twips::toPx(m_flavour.pathFrameTop);
+    const int newBandTop = qMax(bandTop, height() - (designHeight - bandTop));
+    const double sy = newBandTop / double(bandTop);
+
+    const bool firstTime = m_normalPlaces.isEmpty();
+    auto place = [&](QWidget* w, bool stretchHeight, bool stretchWidth = true) {
+        if (!w)
+            return;
+        const QRect design = designRect(w->objectName());
+        if (design.isNull())
+            return;
+        if (firstTime)
+            m_normalPlaces.append({w, w->geometry()});
+        const QRect px = Twips::toPx(design);
+        const int top = w->parentWidget() == this ? qRound(px.y() * sy) : px.y();
+        w->setGeometry(qRound(px.x() * sx), top, stretchWidth ? qRound(px.width() * sx) : w->width(),
+                       stretchHeight ? qRound(px.height() * sy) : w->height());
+    };
+    for (int n = 1; n <= 4; ++n)
+        place(findChild<QWidget*>(m_flavour.paneName(n)), true);
+    for (QWidget* w : {static_cast<QWidget*>(m_ui.Frame4), static_cast<QWidget*>(m_ui.Label5),
+                       static_cast<QWidget*>(m_ui.Label1[1]), static_cast<QWidget*>(m_ui.Label10)})
+        place(w, false);
+    place(m_ui.Frame1, true);
+    for (QWidget* w : m_ui.Frame1->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        place(w, w == m_ui.List[5]);
+    place(m_ui.playerFrame, false, false);
+    for (QWidget* w : {static_cast<QWidget*>(m_ui.modeFrame), static_cast<QWidget*>(m_ui.Image3),
+                       static_cast<QWidget*>(m_ui.Image4)})
+        place(w, false, false);
+
+    if (firstTime)
+        m_normalPlaces.append({m_ui.pathFrame, m_ui.pathFrame->geometry()});
+    m_ui.pathFrame->setGeometry(0, newBandTop, width(), m_ui.pathFrame->height());
+    for (QWidget* w :
+         {static_cast<QWidget*>(m_ui.Text1), static_cast<QWidget*>(m_ui.Text2), static_cast<QWidget*>(m_ui.Frame5)})
+        place(w, false);
+    for (QWidget* w : {static_cast<QWidget*>(m_ui.Label8), static_cast<QWidget*>(m_ui.Label11),
+                       static_cast<QWidget*>(m_ui.Label4[1]), static_cast<QWidget*>(m_ui.Image1)})
+        place(w, false, false);
 }

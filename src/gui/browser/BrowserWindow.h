@@ -96,6 +96,7 @@ private:
     void Label11_DblClick();
     void Command1_Click();
     void applyLayout();
+    void stretchToWindow();
     void setOuterWidth(int twips);
     void fitLabel2();
 
@@ -113,4 +114,6 @@ private:
     QString m_driveText;
     QString m_dir1Path;
     bool m_applyingLayout = false;
+    // Where the stretched controls stood before the window was maximised, to put them back exactly.
+    QList<QPair<QPointer<QWidget>, QRect>> m_normalPlaces;
 };
