@@ -2,11 +2,18 @@
 
 #include "BrowserTestKit.h"
 
+#include "common/NativeText.h"
+#include "controls/DriveCaptionLabel.h"
+#include "controls/DriveSelector.h"
 #include "platform/Twips.h"
 #include "scan/ScanResultBuilder.h"
 
 #include <QComboBox>
+#include <QScopeGuard>
 #include <QTreeView>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace BrowserTestKit;
 
@@ -103,6 +110,51 @@ private slots:
         ui.navigation.Drive1->setCurrentIndex(0);
         QVERIFY(!ui.navigation.Dir1->isHidden() && ui.navigation.List_Folders->isEnabled());
         QCOMPARE(ui.navigation.Label2->text(), m_fixed);
+
+        // Opening the selector reads the volumes again: a stick mounted since is there, one taken away is gone,
+        // and the current drive stays without a drive change.
+        ui.paths.Text1->setText(u"kept"_s);
+        m_fakes.volumes.list.removeAt(1);
+        m_fakes.volumes.list.append({m_home.path() + u"/late"_s, u"Late"_s, DriveType::Removable, true});
+        ui.navigation.Drive1->showPopup();
+        ui.navigation.Drive1->hidePopup();
+        QStringList listed;
+        for (int i = 0; i < ui.navigation.Drive1->count(); ++i)
+            listed.append(ui.navigation.Drive1->itemText(i));
+        QCOMPARE(listed, (QStringList{m_fixed + u" [System]"_s, m_cd, m_home.path() + u"/late [Late]"_s}));
+        QCOMPARE(ui.navigation.Drive1->currentText(), m_fixed + u" [System]"_s);
+        QCOMPARE(ui.paths.Text1->text(), u"kept"_s);
+    }
+
+    // The tree on the folders' own bytes: a name that is not UTF-8 is there and lists; renamed outside, it stays
+    // chosen, and Label2 with it.
+    void folderTreeOnRawBytes_data() { addFlavours(); }
+    void folderTreeOnRawBytes()
+    {
+        QFETCH(bool, longVersion);
+        const QByteArray odd = QFile::encodeName(m_fixed) + "/docs/\xE9t\xE9";
+        QCOMPARE(::mkdir(odd.constData(), 0755), 0);
+        const auto cleanup = qScopeGuard([&] {
+            ::rename(odd.constData(), QByteArray(odd + "-gone").constData());
+            ::unlink(QByteArray(odd + "-gone/f.txt").constData());
+            ::rmdir(QByteArray(odd + "-gone").constData());
+        });
+        ::close(::open(QByteArray(odd + "/f.txt").constData(), O_WRONLY | O_CREAT, 0644));
+        auto w = window(m_fakes, longVersion);
+        const BrowserControls& ui = w->controls();
+        new QAbstractItemModelTester(ui.navigation.Dir1->model(),
+                                     QAbstractItemModelTester::FailureReportingMode::QtTest, w.get());
+        const QString shown = NativeText::toDisplay(odd);
+        w->setDir1Path(shown);
+        QCOMPARE(ui.navigation.Dir1->currentIndex().data().toString(), NativeText::toDisplay(QByteArray("\xE9t\xE9")));
+        scan(*w);
+        QCOMPARE(entries(*w, 3), QStringList{shown + u"/f.txt"_s});
+
+        QCOMPARE(::rename(odd.constData(), QByteArray(odd + "-gone").constData()), 0);
+        QCoreApplication::processEvents();
+        QCOMPARE(ui.navigation.Label2->text(), shown);
+        QCOMPARE(ui.navigation.Dir1->currentIndex().data().toString(), NativeText::toDisplay(QByteArray("\xE9t\xE9")));
+        QCOMPARE(::rename(QByteArray(odd + "-gone").constData(), odd.constData()), 0);
     }
 
     // The caption for each kind of drive, and the type Command1 reports for it.
@@ -145,6 +197,40 @@ private slots:
         QCOMPARE(m_fakes.messages.texts(), QStringList{u"0|The drive is of the type "_s + typeText});
     }
 
+    // A caption too long for its label keeps the kind of drive in view and leaves out the middle of the drive
+    // text or volume label; the label's text and tool tip hold it whole.
+    void driveCaptionReadable_data()
+    {
+        QTest::addColumn<DriveType>("type");
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<QString>("kept"); // the start or the end the label must show
+        QTest::newRow("hard drive") << DriveType::Fixed << u"A LONG VOLUME LABEL"_s << u": HD DRIVE "_s;
+        QTest::newRow("labelled stick") << DriveType::Removable << u"A RATHER LONG VOLUME LABEL"_s
+                                        << u" CD/ DVD Volume: "_s;
+    }
+    void driveCaptionReadable()
+    {
+        QFETCH(DriveType, type);
+        QFETCH(QString, label);
+        QFETCH(QString, kept);
+        m_fakes.volumes.list = {{m_fixed, label, type, true}};
+        auto w = window(m_fakes, false);
+        auto* caption = qobject_cast<DriveCaptionLabel*>(w->controls().status.Label4[3]);
+        QVERIFY(caption);
+        const QString whole = caption->text();
+        QVERIFY(whole.startsWith(kept) || whole.endsWith(kept));
+        QCOMPARE(caption->toolTip(), whole);
+        const QString shown = caption->shownText();
+        QVERIFY2(shown.startsWith(kept) || shown.endsWith(kept), qPrintable(shown));
+        QVERIFY(shown.contains(QChar(0x2026)));
+        QVERIFY(caption->fontMetrics().horizontalAdvance(shown) <= caption->contentsRect().width());
+        QCOMPARE(caption->geometry(), Twips::toPx(QRect(105, 450, 2265, 195)));
+
+        // Wide enough, it shows whole.
+        caption->resize(caption->fontMetrics().horizontalAdvance(whole) + 10, caption->height());
+        QCOMPARE(caption->shownText(), whole);
+    }
+
     void fileNamesToggle_data() { addFlavours(); }
     void fileNamesToggle()
     {
@@ -161,12 +247,25 @@ private slots:
         QCOMPARE(ui.paths.Label8->text(), u"Show File Names only"_s);
         QCOMPARE(w->height(), height);
 
-        // Maximised, the toggle cannot change the width; back to normal, the design values return.
+        // Maximised, the panes, the search section and the path frame fill the window and the toggle cannot change
+        // the width; back to normal, every control stands where it stood.
+        QHash<QWidget*, QRect> normal;
+        for (QWidget* child : w->findChildren<QWidget*>())
+            normal.insert(child, child->geometry());
         w->showMaximized();
         QTRY_VERIFY(w->isMaximized());
         QTRY_VERIFY(!ui.paths.Label8->isEnabled());
+        const QRect names = pane(*w, 4)->geometry(), paths = pane(*w, 3)->geometry();
+        QVERIFY(names.right() < w->width() && names.right() > w->width() * 8 / 10);
+        QVERIFY(paths.right() < names.left());
+        QVERIFY(qAbs(ui.paths.pathFrame->geometry().bottom() - (w->height() - 1)) <= 1);
+        QVERIFY(paths.bottom() < ui.paths.pathFrame->y());
+        QVERIFY(ui.paths.Text1->geometry().right() < ui.paths.pathFrame->width());
+        QVERIFY(ui.search.Frame1->geometry().right() <= paths.right() + 1);
         w->showNormal();
         QTRY_VERIFY(ui.paths.Label8->isEnabled());
+        for (auto it = normal.cbegin(); it != normal.cend(); ++it)
+            QCOMPARE(it.key()->geometry(), it.value());
         QCOMPARE(pane(*w, 3)->width(), Twips::toPx(4800));
         QCOMPARE(ui.paths.Text1->width(), Twips::toPx(7740));
         QCOMPARE(ui.player.playerFrame->x(), Twips::toPx(longVersion ? 30 : 165));

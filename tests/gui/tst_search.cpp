@@ -2,6 +2,7 @@
 
 #include "BrowserTestKit.h"
 
+#include "controls/DriveSelector.h"
 #include "scan/ScanResultBuilder.h"
 
 #include <QComboBox>

@@ -2,6 +2,7 @@
 
 #include "SaveActions.h"
 
+#include "common/NativeText.h"
 #include "export/CollectionFolder.h"
 #include "export/FileOps.h"
 #include "panes/ResultPanes.h"
@@ -68,8 +69,9 @@ void SaveActions::save(SaveFlow::Kind kind)
             label->setVisible(visible);
         });
     }
-    flow.run(kind,
-             SaveSources{result.get(), m_behaviour.walk, m_status.Label4[3]->text(), m_navigation.Label2->text()});
+    // The folder the lists came from, whatever the tree has done since.
+    const QString parent = result ? NativeText::toDisplay(result->startPath()) : m_navigation.Label2->text();
+    flow.run(kind, SaveSources{result.get(), m_behaviour.walk, m_status.Label4[3]->text(), parent});
 }
 
 void SaveActions::Label4_Click(int Index)

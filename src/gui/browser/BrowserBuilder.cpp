@@ -6,6 +6,8 @@
 #include "Pictures.h"
 #include "controls/ClickableFrame.h"
 #include "controls/ClickableLabel.h"
+#include "controls/DriveCaptionLabel.h"
+#include "controls/DriveSelector.h"
 #include "export/CollectionFolder.h"
 #include "panes/ResultGrid.h"
 #include "panes/ResultList.h"
@@ -50,9 +52,9 @@ void sunken(QLabel* label)
 
 } // namespace
 
-BrowserControls BrowserBuilder::build(QWidget* window, const BrowserFlavour& flavour)
+BrowserControls BrowserBuilder::build(QWidget* window, const BrowserFlavour& flavour, const VolumeService& volumes)
 {
-    BrowserBuilder builder(window, flavour);
+    BrowserBuilder builder(window, flavour, volumes);
     builder.buildWindow();
     return builder.m_ui;
 }
@@ -94,12 +96,14 @@ void BrowserBuilder::buildNavigation()
     m_ui.navigation.Label2->setFont(bold);
     m_ui.navigation.Label2->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
-    m_ui.status.Label4[3] = makeLabel(m_window, QStringLiteral("Label4_3"), QStringLiteral("  DRIVE "));
-    m_ui.status.Label4[3]->setAlignment(Qt::AlignCenter);
-    sunken(m_ui.status.Label4[3]);
-    setBackground(m_ui.status.Label4[3], LightYellow);
+    auto* caption = new DriveCaptionLabel(m_window);
+    caption->setObjectName(QStringLiteral("Label4_3"));
+    caption->setCaption(QStringLiteral("  DRIVE "));
+    m_ui.status.Label4[3] = caption;
+    sunken(caption);
+    setBackground(caption, LightYellow);
 
-    m_ui.navigation.Drive1 = new QComboBox(m_window);
+    m_ui.navigation.Drive1 = new DriveSelector(m_volumes, m_window);
     m_ui.navigation.Drive1->setObjectName(QStringLiteral("Drive1"));
     m_ui.navigation.Dir1 = new QTreeView(m_window);
     m_ui.navigation.Dir1->setObjectName(QStringLiteral("Dir1"));

@@ -6,6 +6,7 @@
 #include "flavour/BrowserFlavour.h"
 
 class QWidget;
+class VolumeService;
 
 // Makes every control of a browser window, gives each its design name, look and place from the flavour's layout
 // table, and hands them back in their groups. Nothing is connected here: the window and its helpers wire what
@@ -13,10 +14,13 @@ class QWidget;
 class BrowserBuilder
 {
 public:
-    static BrowserControls build(QWidget* window, const BrowserFlavour& flavour);
+    static BrowserControls build(QWidget* window, const BrowserFlavour& flavour, const VolumeService& volumes);
 
 private:
-    BrowserBuilder(QWidget* window, const BrowserFlavour& flavour) : m_window(window), m_flavour(flavour) {}
+    BrowserBuilder(QWidget* window, const BrowserFlavour& flavour, const VolumeService& volumes)
+        : m_window(window), m_flavour(flavour), m_volumes(volumes)
+    {
+    }
 
     void buildWindow();
     void buildNavigation();
@@ -31,5 +35,6 @@ private:
 
     QWidget* m_window;
     const BrowserFlavour& m_flavour;
+    const VolumeService& m_volumes;
     BrowserControls m_ui;
 };

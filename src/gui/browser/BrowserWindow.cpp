@@ -3,14 +3,18 @@
 #include "BrowserWindow.h"
 
 #include "BrowserBuilder.h"
+#include "FolderTreeModel.h"
 #include "ListingDriver.h"
 #include "ResizeRule.h"
 #include "actions/ContextMenus.h"
 #include "actions/GoToCell.h"
 #include "actions/ItemActions.h"
 #include "actions/SaveActions.h"
+#include "common/NativeText.h"
 #include "controls/ClickableFrame.h"
 #include "controls/ClickableLabel.h"
+#include "controls/DriveCaptionLabel.h"
+#include "controls/DriveSelector.h"
 #include "panes/ResultPanes.h"
 #include "platform/ControlPurposes.h"
 #include "platform/MessageService.h"
@@ -23,7 +27,6 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDir>
-#include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -44,7 +47,7 @@ BrowserWindow::BrowserWindow(const BrowserFlavour& flavour, const Services& serv
 {
     setObjectName(flavour.texts.objectName);
     setWindowTitle(flavour.texts.caption);
-    m_ui = BrowserBuilder::build(this, m_flavour);
+    m_ui = BrowserBuilder::build(this, m_flavour, *m_services.volumes);
     fitLabel2();
     fillDrives();
     wireNavigation();
@@ -70,26 +73,17 @@ BrowserWindow::BrowserWindow(const BrowserFlavour& flavour, const Services& serv
 void BrowserWindow::wireNavigation()
 {
     const NavigationControls& nav = m_ui.navigation;
-    m_dirModel = new QFileSystemModel(this);
-    m_dirModel->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
-    m_dirModel->setReadOnly(true);
+    m_dirModel = new FolderTreeModel(this);
     nav.Dir1->setModel(m_dirModel);
-    for (int column = 1; column < m_dirModel->columnCount(); ++column)
-        nav.Dir1->hideColumn(column);
 
     connect(nav.Drive1, &QComboBox::currentIndexChanged, this, [this] { Drive1_Change(); });
     connect(nav.Dir1->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
         if (current.isValid())
-            setDir1Path(m_dirModel->filePath(current));
+            setDir1Path(m_dirModel->displayPath(current));
     });
     connect(nav.Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
-    // The model reads folders in the background; the current folder can only be shown once its parents are in.
-    connect(m_dirModel, &QFileSystemModel::directoryLoaded, this, [this] {
-        const QModelIndex index = m_dirModel->index(m_dir1Path);
-        if (index.isValid() && m_ui.navigation.Dir1->currentIndex() != index)
-            m_ui.navigation.Dir1->setCurrentIndex(index);
-        m_ui.navigation.Dir1->scrollTo(index);
-    });
+    // An opened folder shows the folders made in it since it was first read.
+    connect(nav.Dir1, &QTreeView::expanded, m_dirModel, &FolderTreeModel::readAgain);
 }
 
 void BrowserWindow::wireWindowControls()
@@ -110,9 +104,7 @@ BrowserWindow::~BrowserWindow() = default;
 void BrowserWindow::fillDrives()
 {
     const QSignalBlocker block(m_ui.navigation.Drive1);
-    m_ui.navigation.Drive1->clear();
-    for (const Volume& v : m_services.volumes->volumes())
-        m_ui.navigation.Drive1->addItem(v.driveText());
+    m_ui.navigation.Drive1->refresh();
     // The selector starts on the drive of the current folder, as the folder tree starts in that folder.
     const int current = m_ui.navigation.Drive1->findText(m_services.volumes->volumeOf(QDir::currentPath()).driveText());
     m_ui.navigation.Drive1->setCurrentIndex(current >= 0 ? current : 0);
@@ -131,11 +123,10 @@ void BrowserWindow::fitLabel2()
 void BrowserWindow::Form_Load()
 {
     const Volume start = m_services.volumes->volumeOf(QDir::currentPath());
-    m_dirModel->setRootPath(start.root);
-    m_ui.navigation.Dir1->setRootIndex(m_dirModel->index(start.root));
+    m_dirModel->setRootPath(NativeText::fromDisplay(start.root));
     // The tree reports the new current folder back; setDir1Path ignores it because the path is already set.
     m_dir1Path = QDir::currentPath();
-    m_ui.navigation.Dir1->setCurrentIndex(m_dirModel->index(m_dir1Path));
+    m_ui.navigation.Dir1->setCurrentIndex(m_dirModel->index(NativeText::fromDisplay(m_dir1Path)));
     Dir1_Change();
     m_ui.navigation.CreateTextFiles->setEnabled(false);
 }
@@ -145,7 +136,7 @@ void BrowserWindow::setDir1Path(const QString& path)
     if (path == m_dir1Path)
         return;
     m_dir1Path = path;
-    const QModelIndex index = m_dirModel->index(path);
+    const QModelIndex index = m_dirModel->index(NativeText::fromDisplay(path));
     m_ui.navigation.Dir1->setCurrentIndex(index);
     m_ui.navigation.Dir1->scrollTo(index);
     Dir1_Change();
@@ -222,8 +213,8 @@ RuntimeError::Number BrowserWindow::setDir1PathToDrive(const QString& driveText)
         return RuntimeError::DeviceUnavailable;
     if (!QDir(v.root).exists())
         return RuntimeError::PathNotFound;
-    m_dirModel->setRootPath(v.root);
-    m_ui.navigation.Dir1->setRootIndex(m_dirModel->index(v.root));
+    if (m_dirModel->rootPath() != NativeText::fromDisplay(v.root))
+        m_dirModel->setRootPath(NativeText::fromDisplay(v.root));
     setDir1Path(v.root);
     return RuntimeError::None;
 }
@@ -270,7 +261,8 @@ void BrowserWindow::ShowDriveCaption()
     const Volume v = m_services.volumes->find(m_driveText, &found);
     const QString type = DriveTypeInfo(found ? v.root : m_driveText);
     const QString label = GetDriveName(m_driveText);
-    m_ui.status.Label4[3]->setText(DriveCaption::caption(m_driveText, type, label));
+    // The builder makes Label4(3) a caption label, which keeps the drive kind readable however long the mount.
+    static_cast<DriveCaptionLabel*>(m_ui.status.Label4[3])->setCaption(DriveCaption::caption(m_driveText, type, label));
 }
 
 void BrowserWindow::Command1_Click()

@@ -12,10 +12,10 @@
 #include <QWidget>
 #include <memory>
 
+class FolderTreeModel;
 class GoToCell;
 class ItemActions;
 class ListingDriver;
-class QFileSystemModel;
 class ResizeRule;
 class ResultPanes;
 class ScanResult;
@@ -96,7 +96,7 @@ private:
     Services m_services;
     QPointer<QWidget> m_options;
     BrowserControls m_ui;
-    QFileSystemModel* m_dirModel = nullptr;
+    FolderTreeModel* m_dirModel = nullptr;
     ResultPanes* m_panes = nullptr;
     ListingDriver* m_driver = nullptr;
     ItemActions* m_actions = nullptr;

@@ -7,6 +7,9 @@
 #include "platform/Twips.h"
 
 #include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
 
 void ResizeRule::apply()
 {
@@ -14,23 +17,27 @@ void ResizeRule::apply()
         return;
     m_applying = true;
     const bool maximised = m_window.isMaximized();
-    // The same properties in both states: design values when normal, values from the window's size when
-    // maximised, where the file-path pane reaches to the file-name pane and the path boxes to the right edge.
+    if (maximised) {
+        stretchToWindow();
+    } else {
+        for (const auto& [w, place] : std::as_const(m_normalPlaces)) {
+            if (w)
+                w->setGeometry(place);
+        }
+        m_normalPlaces.clear();
+        restoreDesignValues();
+    }
+    m_ui.paths.Label8->setEnabled(!maximised);
+    m_applying = false;
+}
+
+void ResizeRule::restoreDesignValues()
+{
     for (const BrowserLayout::Restore& step : m_flavour.layout.restore) {
         auto* w = m_window.findChild<QWidget*>(step.control);
         if (!w)
             continue;
-        int px = Twips::toPx(step.twips);
-        if (maximised) {
-            if (step.control == m_flavour.behaviour.paneName(3) && step.property == BrowserLayout::Restore::Width)
-                px = m_ui.status.Frame4->x() - w->x() - Twips::toPx(60);
-            else if (step.control == QLatin1String("Label5") && step.property == BrowserLayout::Restore::Width)
-                px = m_window.findChild<QWidget*>(m_flavour.behaviour.paneName(3))->width() - 1;
-            else if (step.control.startsWith(QLatin1String("Text")))
-                px = m_window.width() - w->x() - Twips::toPx(105);
-            else if (w == m_ui.player.playerFrame)
-                px = (m_window.width() - w->width()) / 2;
-        }
+        const int px = Twips::toPx(step.twips);
         switch (step.property) {
         case BrowserLayout::Restore::Left:
             w->move(px, w->y());
@@ -46,6 +53,54 @@ void ResizeRule::apply()
             break;
         }
     }
-    m_ui.paths.Label8->setEnabled(!maximised);
-    m_applying = false;
+}
+
+// The maximised window: the panes, their frames and labels, the search section and the player take the window's
+// width in the proportions of the wide design (all four panes in view), and its height down to the path frame,
+// which keeps its height along the bottom edge and stretches its boxes and the go-to frame with the width.
+void ResizeRule::stretchToWindow()
+{
+    const BrowserLayout& layout = m_flavour.layout;
+    const double sx = m_window.width() / double(Twips::toPx(layout.wideWidth - 120));
+    const int designHeight = Twips::toPx(layout.clientTwips.height());
+    const int bandTop = Twips::toPx(layout.rect(QStringLiteral("pathFrame")).top());
+    const int newBandTop = qMax(bandTop, m_window.height() - (designHeight - bandTop));
+    const double sy = newBandTop / double(bandTop);
+
+    const bool firstTime = m_normalPlaces.isEmpty();
+    auto place = [&](QWidget* w, bool stretchHeight, bool stretchWidth = true) {
+        if (!w)
+            return;
+        const QRect design = layout.rect(w->objectName());
+        if (design.isNull())
+            return;
+        if (firstTime)
+            m_normalPlaces.append({w, w->geometry()});
+        const QRect px = Twips::toPx(design);
+        const int top = w->parentWidget() == &m_window ? qRound(px.y() * sy) : px.y();
+        w->setGeometry(qRound(px.x() * sx), top, stretchWidth ? qRound(px.width() * sx) : w->width(),
+                       stretchHeight ? qRound(px.height() * sy) : w->height());
+    };
+    for (int n = 1; n <= 4; ++n)
+        place(m_window.findChild<QWidget*>(m_flavour.behaviour.paneName(n)), true);
+    for (QWidget* w : std::initializer_list<QWidget*>{m_ui.status.Frame4, m_ui.status.Label5, m_ui.status.Label1[1],
+                                                      m_ui.mode.Label10})
+        place(w, false);
+    QFrame* search = m_ui.search.Frame1;
+    place(search, true);
+    for (QWidget* w : search->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        place(w, w == m_ui.search.List5);
+    place(m_ui.player.playerFrame, false, false);
+    for (QWidget* w : std::initializer_list<QWidget*>{m_ui.mode.modeFrame, m_ui.mode.Image3, m_ui.mode.Image4})
+        place(w, false, false);
+
+    QFrame* pathFrame = m_ui.paths.pathFrame;
+    if (firstTime)
+        m_normalPlaces.append({pathFrame, pathFrame->geometry()});
+    pathFrame->setGeometry(0, newBandTop, m_window.width(), pathFrame->height());
+    for (QWidget* w : std::initializer_list<QWidget*>{m_ui.paths.Text1, m_ui.paths.Text2, m_ui.goTo.Frame5})
+        place(w, false);
+    for (QWidget* w : std::initializer_list<QWidget*>{m_ui.paths.Label8, m_ui.status.Label11, m_ui.status.Label4[1],
+                                                      m_ui.goTo.Image1})
+        place(w, false, false);
 }

@@ -2,7 +2,7 @@
 
 #pragma once
 
-class QComboBox;
+class DriveSelector;
 class QLabel;
 class QPushButton;
 class QTreeView;
@@ -14,7 +14,7 @@ struct NavigationControls
 {
     QLabel* Label3 = nullptr;
     QLabel* Label2 = nullptr;
-    QComboBox* Drive1 = nullptr;
+    DriveSelector* Drive1 = nullptr;
     QTreeView* Dir1 = nullptr;
     QPushButton* List_Folders = nullptr;
     QPushButton* CreateTextFiles = nullptr;

@@ -2,6 +2,7 @@
 
 #include "ResultGrid.h"
 
+#include "CurrentCellDelegate.h"
 #include "platform/Twips.h"
 
 #include <QHeaderView>
@@ -23,6 +24,7 @@ ResultGrid::ResultGrid(QWidget* parent) : QTableView(parent)
     // Scrolling by columns would never reveal the end of the one wide column.
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setCornerButtonEnabled(false);
+    setItemDelegate(new CurrentCellDelegate(this));
 
     QPalette pal = palette();
     pal.setColor(QPalette::Inactive, QPalette::Highlight, pal.color(QPalette::Active, QPalette::Highlight));
