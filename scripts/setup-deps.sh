@@ -3,7 +3,7 @@
 # Installs the Debian packages the build, the tests and the benchmark need, and nothing that is already there.
 # Used by `make` on a fresh machine and by CI; harmless to run again.
 set -euo pipefail
-pkgs=(cmake ninja-build g++ make qt6-base-dev qt6-multimedia-dev libgl-dev time python3)
+pkgs=(cmake ninja-build g++ make qt6-base-dev qt6-multimedia-dev libgl-dev libsqlite3-dev time python3)
 # The program's icon is an SVG: Qt's SVG plugins draw it on the windows.
 pkgs+=(libqt6svg6)
 # Media in the player frame: Qt Multimedia's GStreamer backend with WAV, MP3 and AU (-good) and H.264 and AAC (-libav).
@@ -16,7 +16,8 @@ pkgs+=(xvfb xdotool openbox wmctrl x11-apps x11-utils dbus-daemon dbus-bin at-sp
 pkgs+=(desktop-file-utils appstream)
 # The formatting check: one pinned clang-format, so every machine formats alike.
 pkgs+=(clang-format-14)
-if [ "${1:-}" = "--bench" ]; then pkgs+=(gdu); fi
+# The catalogue benchmark compares with plocate, whose updatedb indexes any tree into a database of its own.
+if [ "${1:-}" = "--bench" ]; then pkgs+=(gdu plocate); fi
 missing=()
 for p in "${pkgs[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")

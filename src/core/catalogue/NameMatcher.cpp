@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "NameMatcher.h"
+
+#include "common/NativeText.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+inline char upperAscii(char c)
+{
+    return (c >= 'a' && c <= 'z') ? char(c - 32) : c;
+}
+
+std::u16string upperUnits(const QString& text)
+{
+    std::u16string out(size_t(text.size()), u'\0');
+    for (qsizetype i = 0; i < text.size(); ++i)
+        out[size_t(i)] = char16_t(text.at(i).toUpper().unicode());
+    return out;
+}
+
+std::u16string upperUnits(std::string_view name)
+{
+    return upperUnits(NativeText::toDisplay(name));
+}
+
+// `needle` is upper-case ASCII and not empty.
+bool containsAsciiFolded(std::string_view hay, std::string_view needle)
+{
+    if (needle.size() > hay.size())
+        return false;
+    const char first = needle[0];
+    const char firstLower = (first >= 'A' && first <= 'Z') ? char(first + 32) : first;
+    const std::size_t last = hay.size() - needle.size();
+    for (std::size_t i = 0; i <= last; ++i) {
+        if (hay[i] != first && hay[i] != firstLower)
+            continue;
+        std::size_t j = 1;
+        while (j < needle.size() && upperAscii(hay[i + j]) == needle[j])
+            ++j;
+        if (j == needle.size())
+            return true;
+    }
+    return false;
+}
+
+bool isAscii(std::string_view s)
+{
+    for (const char c : s)
+        if (static_cast<unsigned char>(c) >= 0x80)
+            return false;
+    return true;
+}
+
+} // namespace
+
+NameMatcher::NameMatcher(const QString& text, bool glob) : m_glob(glob)
+{
+    std::string folded;
+    if (glob) {
+        m_pattern = upperUnits(text);
+        m_everything =
+            text.isEmpty() || std::all_of(m_pattern.begin(), m_pattern.end(), [](char16_t c) { return c == u'*'; });
+        // Any run of literal characters three bytes long or more narrows the search.
+        QString literal;
+        const auto flush = [&] {
+            std::string f;
+            fold(NativeText::fromDisplay(literal).toStdString(), f);
+            std::vector<std::uint32_t> g;
+            grams(f, g);
+            m_required.insert(m_required.end(), g.begin(), g.end());
+            literal.clear();
+        };
+        for (const QChar c : text) {
+            if (c == u'*' || c == u'?')
+                flush();
+            else
+                literal.append(c);
+        }
+        flush();
+        std::sort(m_required.begin(), m_required.end());
+        m_required.erase(std::unique(m_required.begin(), m_required.end()), m_required.end());
+        return;
+    }
+    m_everything = text.isEmpty();
+    const QByteArray bytes = NativeText::fromDisplay(text);
+    fold(std::string_view(bytes.constData(), size_t(bytes.size())), m_foldedNeedle);
+    m_upperNeedle = upperUnits(text);
+    m_asciiNeedle = isAscii(m_foldedNeedle);
+    grams(m_foldedNeedle, m_required);
+}
+
+void NameMatcher::fold(std::string_view name, std::string& out)
+{
+    out.clear();
+    if (isAscii(name)) {
+        out.resize(name.size());
+        for (std::size_t i = 0; i < name.size(); ++i)
+            out[i] = upperAscii(name[i]);
+        return;
+    }
+    QString text = NativeText::toDisplay(name);
+    for (qsizetype i = 0; i < text.size(); ++i)
+        text[i] = text.at(i).toUpper();
+    const QByteArray bytes = NativeText::fromDisplay(text);
+    out.assign(bytes.constData(), size_t(bytes.size()));
+}
+
+void NameMatcher::grams(std::string_view folded, std::vector<std::uint32_t>& out)
+{
+    out.clear();
+    if (folded.size() < 3)
+        return;
+    const auto* p = reinterpret_cast<const unsigned char*>(folded.data());
+    for (std::size_t i = 0; i + 3 <= folded.size(); ++i)
+        out.push_back((std::uint32_t(p[i]) << 16) | (std::uint32_t(p[i + 1]) << 8) | p[i + 2]);
+    std::sort(out.begin(), out.end());
+    out.erase(std::unique(out.begin(), out.end()), out.end());
+}
+
+bool NameMatcher::matches(std::string_view name) const
+{
+    if (m_everything)
+        return true;
+    if (m_glob)
+        return globMatch(upperUnits(name));
+    if (isAscii(name)) // the common case: no decoding, no allocation
+        return m_asciiNeedle && containsAsciiFolded(name, m_foldedNeedle);
+    // Upper-casing may turn a non-ASCII letter into an ASCII one (dotless i, long s), so these go the long way.
+    return upperUnits(name).find(m_upperNeedle) != std::u16string::npos;
+}
+
+bool NameMatcher::globMatch(std::u16string_view name) const
+{
+    // The classic two-pointer match with one backtrack point: linear in practice, no recursion.
+    const std::u16string_view p = m_pattern;
+    std::size_t n = 0, i = 0, starP = std::u16string_view::npos, starN = 0;
+    while (n < name.size()) {
+        if (i < p.size() && (p[i] == u'?' || p[i] == name[n])) {
+            ++i;
+            ++n;
+        } else if (i < p.size() && p[i] == u'*') {
+            starP = i++;
+            starN = n;
+        } else if (starP != std::u16string_view::npos) {
+            i = starP + 1;
+            n = ++starN;
+        } else {
+            return false;
+        }
+    }
+    while (i < p.size() && p[i] == u'*')
+        ++i;
+    return i == p.size();
+}

@@ -1,0 +1,490 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "CatalogueFixture.h"
+#include "catalogue/SqliteCatalogue.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+#include <chrono>
+#include <sqlite3.h>
+#include <thread>
+
+using namespace CatalogueRecords;
+
+namespace {
+
+constexpr qint64 Day = 86400;
+
+// /data with folders Photos/2010, Straße, an odd name, and files of every kind of name.
+FixtureScan sampleTree()
+{
+    FixtureScan t;
+    const auto photos = t.folder(0, "Photos", 4100, 10 * Day);
+    const auto y2010 = t.folder(photos, "2010", 100, 11 * Day);
+    const auto strasse = t.folder(0,
+                                  "Stra\xc3\x9f"
+                                  "e",
+                                  30, 12 * Day);
+    const auto odd = t.folder(0, "\xff\xfe odd", 7, 13 * Day);
+    t.file(y2010, "a.jpg", 100, 20 * Day);
+    t.file(photos, "readme", 4000, 21 * Day);
+    t.file(0, "PHOTOGRAPHS.txt", 5000, 22 * Day);
+    t.file(strasse, "ma\xc3\x9f.txt", 30, 23 * Day);
+    t.file(odd, "x\xe9y.bin", 7, 24 * Day);
+    t.file(0, "caf\xc3\xa9", 1, 25 * Day);
+    t.file(0, "a*b.txt", 2, 26 * Day);
+    return t;
+}
+
+QByteArrayList names(Catalogue& c, const FindQuery& q)
+{
+    QByteArrayList out;
+    QString error;
+    const bool ok = c.find(
+        q,
+        [&](std::vector<FindHit>& batch) {
+            for (const FindHit& h : batch)
+                out.append(h.name());
+            return true;
+        },
+        &error);
+    if (!ok)
+        out.append("ERROR: " + error.toUtf8());
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
+std::vector<FindHit> hits(Catalogue& c, const FindQuery& q)
+{
+    std::vector<FindHit> out;
+    c.find(q, [&](std::vector<FindHit>& batch) {
+        for (FindHit& h : batch)
+            out.push_back(std::move(h));
+        return true;
+    });
+    return out;
+}
+
+} // namespace
+
+class TestCatalogue : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        QVERIFY(m_dir.isValid());
+        m_path = m_dir.filePath(QStringLiteral("catalogue.sqlite"));
+        QFile::remove(m_path);
+        QFile::remove(m_path + QStringLiteral("-wal"));
+        QFile::remove(m_path + QStringLiteral("-shm"));
+    }
+
+    void recordsAndReadsBackExactBytes()
+    {
+        QString error;
+        auto c = SqliteCatalogue::open(m_path, &error);
+        QVERIFY2(c, qPrintable(error));
+        ScanInfo info = fixtureInfo("/data", 1700000000000);
+        info.durationMs = 1234;
+        info.listingName = QStringLiteral("backup");
+        info.volume.capacity = 1000000;
+        info.volume.freeBytes = 5000;
+        const auto id = c->record(info, sampleTree(), &error);
+        QVERIFY2(id, qPrintable(error));
+
+        const auto scans = c->scans();
+        QVERIFY(scans && scans->size() == 1);
+        const ScanInfo& s = scans->front();
+        QCOMPARE(s.id, *id);
+        QCOMPARE(s.startPath, QByteArray("/data"));
+        QCOMPARE(s.scannedAtMs, 1700000000000);
+        QCOMPARE(s.durationMs, 1234);
+        QCOMPARE(s.folderCount, 4);
+        QCOMPARE(s.fileCount, 7);
+        QCOMPARE(s.listingName, QStringLiteral("backup"));
+        QCOMPARE(s.volume.uuid, QStringLiteral("1111-2222"));
+        QCOMPARE(s.volume.capacity, 1000000);
+        QCOMPARE(s.volume.freeBytes, 5000);
+
+        std::map<QByteArray, FindHit> byPath;
+        for (FindHit& h : hits(*c, {}))
+            byPath[h.path] = h;
+        QCOMPARE(byPath.size(), size_t(11));
+        const FindHit& odd = byPath.at("/data/\xff\xfe odd/x\xe9y.bin");
+        QCOMPARE(odd.name(), QByteArray("x\xe9y.bin"));
+        QCOMPARE(odd.bytes, 7);
+        QCOMPARE(odd.mtime, 24 * Day);
+        QVERIFY(!odd.folder);
+        const FindHit& y2010 = byPath.at("/data/Photos/2010");
+        QVERIFY(y2010.folder);
+        QCOMPARE(y2010.bytes, 100);
+        QCOMPARE(y2010.mtime, 11 * Day);
+        QCOMPARE(y2010.name(), QByteArray("2010"));
+        QCOMPARE(y2010.scan->volume.label, QStringLiteral("DATA"));
+    }
+
+    void searchSemantics_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("glob");
+        QTest::addColumn<bool>("path");
+        QTest::addColumn<QByteArrayList>("expected");
+        const auto row = [](const char* tag, const QString& text, bool glob, bool path, QByteArrayList expected) {
+            std::sort(expected.begin(), expected.end());
+            QTest::newRow(tag) << text << glob << path << expected;
+        };
+        row("substring any case", QStringLiteral("photo"), false, false, {"Photos", "PHOTOGRAPHS.txt"});
+        row("two characters, no index", QStringLiteral("jP"), false, false, {"a.jpg"});
+        row("one character", QStringLiteral("\u00df"), false, false,
+            {"Stra\xc3\x9f"
+             "e",
+             "ma\xc3\x9f.txt"});
+        row("sharp s stays itself", QStringLiteral("SS"), false, false, {});
+        row("accent upper-cased", QStringLiteral("CAF\u00c9"), false, false, {"caf\xc3\xa9"});
+        row("odd byte matches itself", QString(QChar(0xDCE9)), false, false, {"x\xe9y.bin"});
+        row("star is literal", QStringLiteral("a*b"), false, false, {"a*b.txt"});
+        row("no match", QStringLiteral("zzz"), false, false, {});
+        row("glob whole name", QStringLiteral("*.JPG"), false, false, {});
+        row("glob", QStringLiteral("*.JPG"), true, false, {"a.jpg"});
+        row("glob question mark", QStringLiteral("a.jp?"), true, false, {"a.jpg"});
+        row("glob star", QStringLiteral("a*b*"), true, false, {"a*b.txt"});
+        row("glob long literal", QStringLiteral("*graph*"), true, false, {"PHOTOGRAPHS.txt"});
+        row("path across folders", QStringLiteral("photos/20"), false, true, {"2010", "a.jpg"});
+        row("path glob", QStringLiteral("/data/*/readme"), true, true, {"readme"});
+        row("name does not see the folder", QStringLiteral("photos/20"), false, false, {});
+    }
+
+    void searchSemantics()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, glob);
+        QFETCH(bool, path);
+        QFETCH(QByteArrayList, expected);
+        auto c = SqliteCatalogue::open(m_path);
+        QVERIFY(c->record(fixtureInfo("/data", 1000), sampleTree()));
+        FindQuery q;
+        q.text = text;
+        q.glob = glob;
+        q.matchPath = path;
+        QCOMPARE(names(*c, q), expected);
+    }
+
+    void filters_data()
+    {
+        QTest::addColumn<FindQuery>("query");
+        QTest::addColumn<QByteArrayList>("expected");
+        const auto row = [](const char* tag, FindQuery q, QByteArrayList expected) {
+            std::sort(expected.begin(), expected.end());
+            QTest::newRow(tag) << q << expected;
+        };
+        FindQuery q;
+        q.kinds = FindQuery::Kinds::Folders;
+        row("folders", q,
+            {"2010", "Photos",
+             "Stra\xc3\x9f"
+             "e",
+             "\xff\xfe odd"});
+        q = {};
+        q.kinds = FindQuery::Kinds::Files;
+        q.text = QStringLiteral("photo");
+        row("files", q, {"PHOTOGRAPHS.txt"});
+        q = {};
+        q.minSize = 4000;
+        row("min size", q, {"Photos", "readme", "PHOTOGRAPHS.txt"});
+        q = {};
+        q.maxSize = 2;
+        q.kinds = FindQuery::Kinds::Files;
+        row("max size", q, {"caf\xc3\xa9", "a*b.txt"});
+        q = {};
+        q.newerThan = 24 * Day;
+        row("newer", q, {"x\xe9y.bin", "caf\xc3\xa9", "a*b.txt"});
+        q = {};
+        q.olderThan = 11 * Day;
+        row("older", q, {"Photos"});
+        q = {};
+        q.volume = QStringLiteral("data");
+        q.text = QStringLiteral("readme");
+        row("volume label", q, {"readme"});
+        q.volume = QStringLiteral("1111-2222");
+        row("volume uuid", q, {"readme"});
+        q.volume = QStringLiteral("other");
+        row("other volume", q, {});
+        q = {};
+        q.limit = 2;
+        q.kinds = FindQuery::Kinds::Folders;
+        row("limit", q, {"Photos", "2010"});
+    }
+
+    void filters()
+    {
+        QFETCH(FindQuery, query);
+        QFETCH(QByteArrayList, expected);
+        auto c = SqliteCatalogue::open(m_path);
+        QVERIFY(c->record(fixtureInfo("/data", 1000), sampleTree()));
+        QCOMPARE(names(*c, query), expected);
+    }
+
+    void newestScanOfEachFolderUnlessAllScans()
+    {
+        auto c = SqliteCatalogue::open(m_path);
+        FixtureScan old;
+        old.file(0, "report-old.txt");
+        FixtureScan now;
+        now.file(0, "report-new.txt");
+        FixtureScan elsewhere;
+        elsewhere.file(0, "report-other.txt");
+        QVERIFY(c->record(fixtureInfo("/data", 1000), old));
+        QVERIFY(c->record(fixtureInfo("/data", 2000), now));
+        // The same folder on another volume is not history of the first.
+        QVERIFY(c->record(fixtureInfo("/data", 500, QStringLiteral("USB"), QStringLiteral("9999")), elsewhere));
+        FindQuery q;
+        q.text = QStringLiteral("report");
+        QCOMPARE(names(*c, q), QByteArrayList({"report-new.txt", "report-other.txt"}));
+        q.allScans = true;
+        QCOMPARE(names(*c, q), QByteArrayList({"report-new.txt", "report-old.txt", "report-other.txt"}));
+    }
+
+    void searchStopsWhenTheSinkSaysSo()
+    {
+        auto c = SqliteCatalogue::open(m_path);
+        FixtureScan big;
+        for (int i = 0; i < 2000; ++i)
+            big.file(0, "file" + QByteArray::number(i));
+        QVERIFY(c->record(fixtureInfo("/data", 1000), big));
+        int batches = 0;
+        QVERIFY(c->find({}, [&](std::vector<FindHit>&) { return ++batches < 2; }));
+        QCOMPARE(batches, 2);
+        std::atomic_bool cancel{true};
+        FindQuery q;
+        q.cancel = &cancel;
+        QCOMPARE(hits(*c, q).size(), size_t(0));
+    }
+
+    void diffOfTwoScans()
+    {
+        auto c = SqliteCatalogue::open(m_path);
+        FixtureScan before;
+        auto docs = before.folder(0, "docs", 300, Day);
+        before.file(docs, "same.txt", 100, Day);
+        before.file(docs, "grows.txt", 100, Day);
+        before.file(docs, "touched.txt", 100, Day);
+        before.file(0, "gone.txt", 5, Day);
+        FixtureScan after;
+        docs = after.folder(0, "docs", 450, Day);
+        after.file(docs, "same.txt", 100, Day);
+        after.file(docs, "grows.txt", 150, Day);
+        after.file(docs, "touched.txt", 100, 2 * Day);
+        after.file(docs, "new.txt", 100, 2 * Day);
+        ScanInfo a = fixtureInfo("/data", 1000);
+        a.totalBytes = 305;
+        ScanInfo b = fixtureInfo("/data", 2000);
+        b.totalBytes = 450;
+        const auto older = c->record(a, before);
+        const auto newer = c->record(b, after);
+        QVERIFY(older && newer);
+        QCOMPARE(c->lastTwoScans("/data"), std::make_optional(std::make_pair(*older, *newer)));
+
+        const auto d = c->diff(*older, *newer);
+        QVERIFY(d);
+        QCOMPARE(d->filesAdded, 1);
+        QCOMPARE(d->filesRemoved, 1);
+        QCOMPARE(d->filesChanged, 2);
+        QCOMPARE(d->foldersChanged, 1);
+        QCOMPARE(d->bytesDelta, 145);
+        QStringList seen;
+        for (const DiffItem& i : d->items)
+            seen.append(QStringLiteral("%1 %2 %3->%4")
+                            .arg(int(i.change))
+                            .arg(QString::fromUtf8(i.path))
+                            .arg(i.oldBytes)
+                            .arg(i.newBytes));
+        QCOMPARE(seen,
+                 QStringList({QStringLiteral("0 /data/docs/new.txt -1->100"), QStringLiteral("1 /data/gone.txt 5->-1"),
+                              QStringLiteral("2 /data/docs/grows.txt 100->150"),
+                              QStringLiteral("2 /data/docs/touched.txt 100->100"),
+                              QStringLiteral("2 /data/docs 300->450")}));
+        QVERIFY(!c->diff(*older, 999));
+    }
+
+    void removeDeletesOnlyWholeKnownScans()
+    {
+        auto c = SqliteCatalogue::open(m_path);
+        const auto a = c->record(fixtureInfo("/a", 1000), sampleTree());
+        const auto b = c->record(fixtureInfo("/b", 2000), sampleTree());
+        QString error;
+        QVERIFY(!c->remove({*a, 12345}, &error));
+        QVERIFY(error.contains(QLatin1String("12345")));
+        QCOMPARE(c->scans()->size(), size_t(2));
+        QVERIFY(c->remove({*a}));
+        QCOMPARE(c->scans()->size(), size_t(1));
+        FindQuery q;
+        q.text = QStringLiteral("readme");
+        const auto left = hits(*c, q);
+        QCOMPARE(left.size(), size_t(1));
+        QCOMPARE(left.front().scan->id, *b);
+    }
+
+    void importsAWindowsListingSet()
+    {
+        // Written on Windows: C:\ paths, CR LF, Windows-1252 (0xE9 is é, 0x80 the euro sign).
+        const QByteArray header = "Date: 05 March 2009\r\nSOURCE: C: HD DRIVE \r\n\r\nParent Folder: C:\\DATA\r\n";
+        const auto write = [&](const char* name, const QByteArray& title, const QByteArrayList& lines) {
+            QFile f(m_dir.filePath(QString::fromLatin1(name)));
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write(header + title + "\r\n\r\n" + lines.join("\r\n") + "\r\n\r\n\r\n");
+        };
+        write("Folders List WithPath old.txt",
+              "LIST OF FOLDERS WITH THEIR PATHS (2):", {"C:\\DATA\\Caf\xe9\\Sub", "C:\\DATA\\Caf\xe9"});
+        write("Folders List - old.txt", "LIST OF ALL FOLDERS & SUB FOLDERS (2):", {"Sub (3kB)", "Caf\xe9 (5kB)"});
+        write("Files List WithPath old.txt",
+              "LIST OF ALL FILES (2):", {"C:\\DATA\\Caf\xe9\\Sub\\price \x80.txt", "C:\\DATA\\top.doc"});
+        write("Files List - old.txt", "LIST OF ALL FILES (2):", {"price \x80.txt", "top.doc"});
+
+        auto c = SqliteCatalogue::open(m_path);
+        QString error;
+        const auto id = c->importListing({m_dir.filePath(QStringLiteral("Files List - old.txt"))}, {}, &error);
+        QVERIFY2(id, qPrintable(error));
+        const ScanInfo s = c->scans()->front();
+        QVERIFY(s.imported);
+        QCOMPARE(s.separator, '\\');
+        QCOMPARE(s.startPath, QByteArray("C:\\DATA"));
+        QCOMPARE(s.listingName, QStringLiteral("old"));
+        QCOMPARE(s.folderCount, 2);
+        QCOMPARE(s.fileCount, 2);
+        QCOMPARE(QDateTime::fromMSecsSinceEpoch(s.scannedAtMs, Qt::UTC).date(), QDate(2009, 3, 5));
+
+        FindQuery q;
+        q.text = QStringLiteral("\u20ac");
+        const auto found = hits(*c, q);
+        QCOMPARE(found.size(), size_t(1));
+        QCOMPARE(found.front().path, QByteArray("C:\\DATA\\Caf\xc3\xa9\\Sub\\price \xe2\x82\xac.txt"));
+        QCOMPARE(found.front().bytes, NoSize);
+        QCOMPARE(found.front().mtime, NoTime);
+        q.text = QStringLiteral("CAF\u00c9");
+        q.kinds = FindQuery::Kinds::Folders;
+        const auto folder = hits(*c, q);
+        QCOMPARE(folder.size(), size_t(1));
+        QCOMPARE(folder.front().bytes, 5 * 1024);
+
+        // The encoding may be named; as UTF-8 these bytes are not text and stay as they are.
+        c->remove({*id});
+        QVERIFY(c->importListing({m_dir.filePath(QStringLiteral("Folders List WithPath old.txt"))},
+                                 {QStringLiteral("UTF-8"), 0}));
+        q.text = QString(QChar(0xDCE9));
+        QCOMPARE(hits(*c, q).size(), size_t(1));
+    }
+
+    void opensAVersionOneCatalogue()
+    {
+        {
+            auto v1 = SqliteCatalogue::open(m_path, nullptr, 1);
+            QCOMPARE(v1->schemaVersion(), 1);
+            QVERIFY(v1->record(fixtureInfo("/data", 1000), sampleTree()));
+            FindQuery q;
+            q.text = QStringLiteral("photo");
+            QCOMPARE(names(*v1, q), QByteArrayList({"PHOTOGRAPHS.txt", "Photos"}));
+        }
+        auto c = SqliteCatalogue::open(m_path);
+        QCOMPARE(c->schemaVersion(), SqliteCatalogue::SchemaVersion);
+        FindQuery q;
+        q.text = QStringLiteral("photo");
+        QCOMPARE(names(*c, q), QByteArrayList({"PHOTOGRAPHS.txt", "Photos"}));
+        // The index built by the migration is what answers now: it holds the pieces of the old names.
+        sqlite3* db = nullptr;
+        QCOMPARE(sqlite3_open(QFile::encodeName(m_path).constData(), &db), SQLITE_OK);
+        sqlite3_stmt* st = nullptr;
+        sqlite3_prepare_v2(db, "SELECT count(*) FROM gram WHERE gram = 0x50484F", -1, &st, nullptr); // "PHO"
+        QCOMPARE(sqlite3_step(st), SQLITE_ROW);
+        QCOMPARE(sqlite3_column_int(st, 0), 1);
+        sqlite3_finalize(st);
+        sqlite3_close(db);
+    }
+
+    void killedWhileRecordingLeavesTheCatalogueAsItWas()
+    {
+        {
+            auto c = SqliteCatalogue::open(m_path);
+            QVERIFY(c->record(fixtureInfo("/kept", 1000), sampleTree()));
+        }
+        const QString marker = m_dir.filePath(QStringLiteral("recording"));
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--record-forever"), m_path, marker});
+        QVERIFY(child.waitForStarted());
+        for (int i = 0; i < 6000 && !QFile::exists(marker); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        QVERIFY(QFile::exists(marker));
+        child.kill(); // SIGKILL: no handler, no rollback of its own
+        QVERIFY(child.waitForFinished());
+
+        auto c = SqliteCatalogue::open(m_path);
+        QVERIFY(c);
+        const auto scans = c->scans();
+        QCOMPARE(scans->size(), size_t(1));
+        QCOMPARE(scans->front().startPath, QByteArray("/kept"));
+        QCOMPARE(names(*c, {}).size(), 11);
+        sqlite3* db = nullptr;
+        QCOMPARE(sqlite3_open(QFile::encodeName(m_path).constData(), &db), SQLITE_OK);
+        sqlite3_stmt* st = nullptr;
+        sqlite3_prepare_v2(
+            db,
+            "SELECT (SELECT count(*) FROM block), (SELECT group_concat(integrity_check) FROM pragma_integrity_check)",
+            -1, &st, nullptr);
+        QCOMPARE(sqlite3_step(st), SQLITE_ROW);
+        QCOMPARE(sqlite3_column_int(st, 0), 1); // the kept scan's one block, nothing of the killed one
+        QCOMPARE(QByteArray(reinterpret_cast<const char*>(sqlite3_column_text(st, 1))), QByteArray("ok"));
+        sqlite3_finalize(st);
+        sqlite3_close(db);
+    }
+
+private:
+    QTemporaryDir m_dir;
+    QString m_path;
+};
+
+namespace {
+
+// A recording that never ends: it signals once half a million entries are written, then waits to be killed.
+class EndlessScan : public ScanSource
+{
+public:
+    explicit EndlessScan(QString marker) : m_marker(std::move(marker)) {}
+    qint64 folderCount() const override { return 1; }
+    qint64 fileCount() const override { return 1000000; }
+    Entry folder(qint64) const override { return {}; }
+    Entry file(qint64 i) const override
+    {
+        if (i == 500000) {
+            QFile f(m_marker);
+            f.open(QIODevice::WriteOnly);
+            f.close();
+            for (;;)
+                std::this_thread::sleep_for(std::chrono::seconds(1));
+        }
+        m_name = "file" + std::to_string(i);
+        return {0, m_name, i, i};
+    }
+
+private:
+    QString m_marker;
+    mutable std::string m_name;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    if (argc == 4 && QByteArray(argv[1]) == "--record-forever") {
+        auto c = SqliteCatalogue::open(QString::fromLocal8Bit(argv[2]));
+        EndlessScan scan(QString::fromLocal8Bit(argv[3]));
+        return c && c->record(fixtureInfo("/killed", 5000), scan) ? 0 : 1;
+    }
+    TestCatalogue t;
+    return QTest::qExec(&t, argc, argv);
+}
+
+#include "tst_catalogue.moc"
