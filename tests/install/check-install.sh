@@ -51,9 +51,16 @@ grep -q "<id>$id</id>" "$metainfo" || fail "AppStream id"
 grep -q "<launchable type=\"desktop-id\">$id.desktop</launchable>" "$metainfo" || fail "AppStream launchable"
 grep -q "<release version=\"$version\"" "$metainfo" || fail "AppStream release is not $version"
 
+# The catalogue window has a launcher entry of its own, beside the program's.
+catalogue=$usr/share/applications/${id%.*}.catalogue.desktop
+[ -f "$catalogue" ] || fail "no launcher entry for the catalogue window"
+grep -qx "Exec=quillary-catalogue" "$catalogue" || fail "the catalogue's launcher does not start quillary-catalogue"
+
 if command -v desktop-file-validate >/dev/null; then
-    out=$(desktop-file-validate "$desktop" 2>&1) || fail "desktop-file-validate: $out"
-    [ -z "$out" ] || fail "desktop-file-validate: $out"
+    for entry in "$desktop" "$catalogue"; do
+        out=$(desktop-file-validate "$entry" 2>&1) || fail "desktop-file-validate: $out"
+        [ -z "$out" ] || fail "desktop-file-validate: $out"
+    done
 else
     echo "desktop-file-validate not installed: the launcher entry is not validated"
 fi
