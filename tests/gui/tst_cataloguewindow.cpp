@@ -11,12 +11,16 @@
 #include "catalogue/VolumePresence.h"
 #include "core/CatalogueFixture.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemModelTester>
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QProgressDialog>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -135,6 +139,24 @@ private slots:
                           scans->index(r, ScanTreeModel::State).data().toString());
         states.sort();
         QCOMPARE(states, (QStringList{u"DATA (1111-2222)=Connected"_s, u"USB (9999-AAAA)=Not connected"_s}));
+    }
+
+    void everyControlSaysWhatItIs()
+    {
+        QStringList silent;
+        for (QWidget* w : m_window->findChildren<QWidget*>()) {
+            const bool control = qobject_cast<QAbstractItemView*>(w) || qobject_cast<QLineEdit*>(w) ||
+                                 qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractButton*>(w);
+            // A header is read out as part of its table; the parts of a box as the box.
+            if (!control || !w->isVisible() || qobject_cast<QHeaderView*>(w) ||
+                qobject_cast<QComboBox*>(w->parentWidget()) || qobject_cast<QLineEdit*>(w->parentWidget()))
+                continue;
+            const auto* button = qobject_cast<QAbstractButton*>(w);
+            if (w->accessibleName().isEmpty() && !(button && !button->text().isEmpty()))
+                silent.append(QString::fromLatin1(w->metaObject()->className()) + QLatin1Char(' ') + w->objectName());
+        }
+        QVERIFY2(silent.isEmpty(), qPrintable(silent.join(QStringLiteral(", "))));
+        QVERIFY(!m_window->menuBar()->actions().isEmpty());
     }
 
     // Typed letter by letter: each key stops the search before it, and the list ends up holding exactly the
