@@ -136,7 +136,7 @@ private slots:
         QStringList states;
         for (int r = 0; r < scans->rowCount(); ++r)
             states.append(scans->index(r, ScanTreeModel::Name).data().toString() + QLatin1Char('=') +
-                          scans->index(r, ScanTreeModel::State).data().toString());
+                          scans->index(r, ScanTreeModel::Scanned).data().toString());
         states.sort();
         QCOMPARE(states, (QStringList{u"DATA (1111-2222)=Connected"_s, u"USB (9999-AAAA)=Not connected"_s}));
     }

@@ -34,7 +34,7 @@ QLineEdit* sizeBox(const QString& objectName, const QString& accessibleName, con
     box->setAccessibleName(accessibleName);
     box->setPlaceholderText(hint);
     box->setClearButtonEnabled(true);
-    box->setMaximumWidth(110);
+    box->setMaximumWidth(100);
     return box;
 }
 
@@ -44,8 +44,10 @@ CatalogueFilterBar::CatalogueFilterBar(QWidget* parent) : QWidget(parent)
 {
     m_kind = combo(QStringLiteral("kindFilter"), tr("Kind of item"),
                    {tr("Files and folders"), tr("Files"), tr("Folders")}, this);
-    m_minSize = sizeBox(QStringLiteral("minSizeFilter"), tr("Smallest size"), tr("Min size, e.g. 10M"), this);
-    m_maxSize = sizeBox(QStringLiteral("maxSizeFilter"), tr("Largest size"), tr("Max size, e.g. 2G"), this);
+    m_minSize = sizeBox(QStringLiteral("minSizeFilter"), tr("Smallest size"), tr("Min size"), this);
+    m_minSize->setToolTip(tr("Smallest size, in bytes or with k, M or G: 10M"));
+    m_maxSize = sizeBox(QStringLiteral("maxSizeFilter"), tr("Largest size"), tr("Max size"), this);
+    m_maxSize->setToolTip(tr("Largest size, in bytes or with k, M or G: 2G"));
     m_date = combo(
         QStringLiteral("dateFilter"), tr("Modified"),
         {tr("Any time"), tr("Past day"), tr("Past week"), tr("Past month"), tr("Past year"), tr("Over a year ago")},

@@ -96,6 +96,8 @@ CatalogueWindow::CatalogueWindow(const Services& services, CatalogueSearch::Open
     m_scanView->setUniformRowHeights(true);
     m_scanView->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_scanView->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_scanView->setTextElideMode(Qt::ElideMiddle);
+    m_scanView->header()->setStretchLastSection(false);
 
     m_searchBox->setObjectName(QStringLiteral("searchBox"));
     m_searchBox->setAccessibleName(tr("Search the catalogue"));
@@ -116,8 +118,12 @@ CatalogueWindow::CatalogueWindow(const Services& services, CatalogueSearch::Open
     m_resultView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     m_resultView->verticalHeader()->setDefaultSectionSize(m_resultView->fontMetrics().height() + 6);
     m_resultView->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
-    m_resultView->setColumnWidth(CatalogueResultModel::Name, 260);
-    m_resultView->setColumnWidth(CatalogueResultModel::Folder, 320);
+    const int digit = m_resultView->fontMetrics().horizontalAdvance(QLatin1Char('0'));
+    m_resultView->setColumnWidth(CatalogueResultModel::Name, 28 * digit);
+    m_resultView->setColumnWidth(CatalogueResultModel::Folder, 34 * digit);
+    m_resultView->setColumnWidth(CatalogueResultModel::Size, 11 * digit);
+    m_resultView->setColumnWidth(CatalogueResultModel::Modified, 18 * digit);
+    m_resultView->setColumnWidth(CatalogueResultModel::Volume, 14 * digit);
     m_resultView->horizontalHeader()->setStretchLastSection(true);
 
     m_status->setObjectName(QStringLiteral("statusLine"));
@@ -134,7 +140,7 @@ CatalogueWindow::CatalogueWindow(const Services& services, CatalogueSearch::Open
     m_splitter->addWidget(m_scanView);
     m_splitter->addWidget(right);
     m_splitter->setStretchFactor(1, 1);
-    m_splitter->setSizes({340, 860});
+    m_splitter->setSizes({430, 770});
     setCentralWidget(m_splitter);
 
     m_typing.setSingleShot(true);
@@ -163,6 +169,7 @@ CatalogueWindow::CatalogueWindow(const Services& services, CatalogueSearch::Open
     reloadScans();
 
     resize(1200, 720);
+    m_searchBox->setFocus(); // a search window opens ready for typing
     const QSettings saved = settings();
     restoreGeometry(saved.value(QStringLiteral("window/geometry")).toByteArray());
     m_splitter->restoreState(saved.value(QStringLiteral("window/splitter")).toByteArray());
@@ -280,8 +287,11 @@ void CatalogueWindow::reloadScans()
     }
     m_scanModel->setScans(std::move(*scans));
     m_scanView->expandAll();
-    for (int c = 0; c < ScanTreeModel::ColumnCount; ++c)
+    for (int c = 1; c < ScanTreeModel::ColumnCount; ++c)
         m_scanView->resizeColumnToContents(c);
+    // Long folder paths are shortened in the middle rather than pushing the counts out of sight.
+    m_scanView->resizeColumnToContents(ScanTreeModel::Name);
+    m_scanView->setColumnWidth(ScanTreeModel::Name, std::min(m_scanView->columnWidth(ScanTreeModel::Name), 230));
     m_filters->setVolumes(m_scanModel->volumeLabels());
     showStatus();
 }

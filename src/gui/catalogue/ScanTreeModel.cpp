@@ -5,7 +5,9 @@
 #include "CatalogueResultModel.h"
 #include "common/NativeText.h"
 
+#include <QApplication>
 #include <QDateTime>
+#include <QStyle>
 #include <algorithm>
 
 ScanTreeModel::ScanTreeModel(Mounted mounted, QObject* parent)
@@ -126,8 +128,14 @@ QVariant ScanTreeModel::data(const QModelIndex& index, int role) const
             const QString name = g.volume.label.isEmpty() ? NativeText::toDisplay(g.volume.mountPoint) : g.volume.label;
             return g.volume.uuid.isEmpty() ? name : name + QStringLiteral(" (") + g.volume.uuid + QLatin1Char(')');
         }
-        if (role == Qt::DisplayRole && index.column() == State)
+        // A volume's row says whether it is connected in the column its scans give their time, where it shows
+        // even in a narrow pane.
+        if (role == Qt::DisplayRole && index.column() == Scanned)
             return g.mounted ? tr("Connected") : tr("Not connected");
+        if (role == Qt::DecorationRole && index.column() == Name && QApplication::style())
+            return QApplication::style()->standardIcon(QStyle::SP_DriveHDIcon);
+        if (role == Qt::ForegroundRole && !g.mounted)
+            return QApplication::palette().brush(QPalette::Disabled, QPalette::Text);
         if (role == Qt::ToolTipRole)
             return tr("Mounted at %1 when last scanned").arg(NativeText::toDisplay(g.volume.mountPoint));
         return {};
