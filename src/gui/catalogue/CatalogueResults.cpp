@@ -3,6 +3,7 @@
 #include "CatalogueResults.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 void CatalogueResults::add(const FindHit& hit)
@@ -16,21 +17,20 @@ void CatalogueResults::add(const FindHit& hit)
     std::string_view name = path.substr(nameAt);
     name = name.substr(0, std::numeric_limits<std::uint16_t>::max());
 
-    if (!m_haveLastFolder || std::string_view(text).substr(m_lastFolderAt, m_lastFolderLength) != folder) {
+    if (!m_haveLastFolder || prefixAt(text, m_lastFolderAt) != folder) {
         m_lastFolderAt = std::uint32_t(text.size());
-        m_lastFolderLength = std::uint32_t(folder.size());
         m_haveLastFolder = true;
+        const auto length = std::uint32_t(folder.size());
+        text.append(reinterpret_cast<const char*>(&length), sizeof length);
         text.append(folder);
     }
     Row row;
     row.text = std::uint32_t(m_texts.size() - 1);
     row.folderAt = m_lastFolderAt;
-    row.folderLength = m_lastFolderLength;
     row.nameAt = std::uint32_t(text.size());
     row.nameLength = std::uint16_t(name.size());
     text.append(name);
-    row.scan = slotOf(hit.scan);
-    row.isFolder = hit.folder;
+    row.scan = std::uint16_t(slotOf(hit.scan) | (hit.folder ? FolderBit : 0));
     row.bytes = hit.bytes;
     row.mtime = hit.mtime;
     push(row);
@@ -48,7 +48,7 @@ void CatalogueResults::append(CatalogueResults&& batch)
     for (std::size_t i = 0; i < batch.m_size; ++i) {
         Row row = batch.at(i);
         row.text += textBase;
-        row.scan = slotFor[row.scan];
+        row.scan = std::uint16_t(slotFor[row.scan & ~FolderBit] | (row.scan & FolderBit));
         push(row);
     }
     batch = CatalogueResults();
@@ -68,7 +68,7 @@ std::uint16_t CatalogueResults::slotOf(const std::shared_ptr<const ScanInfo>& sc
         if (m_scans[i] == scan || m_scans[i]->id == scan->id)
             return std::uint16_t(i);
     m_scans.push_back(scan);
-    return std::uint16_t(m_scans.size() - 1);
+    return std::uint16_t((m_scans.size() - 1) & ~FolderBit);
 }
 
 std::string_view CatalogueResults::name(std::size_t row) const
@@ -77,10 +77,17 @@ std::string_view CatalogueResults::name(std::size_t row) const
     return std::string_view(m_texts[r.text]).substr(r.nameAt, r.nameLength);
 }
 
+std::string_view CatalogueResults::prefixAt(std::string_view text, std::uint32_t at)
+{
+    std::uint32_t length = 0;
+    std::memcpy(&length, text.data() + at, sizeof length);
+    return text.substr(at + sizeof length, length);
+}
+
 std::string_view CatalogueResults::prefix(std::size_t row) const
 {
     const Row& r = at(row);
-    return std::string_view(m_texts[r.text]).substr(r.folderAt, r.folderLength);
+    return prefixAt(m_texts[r.text], r.folderAt);
 }
 
 std::string_view CatalogueResults::folder(std::size_t row) const

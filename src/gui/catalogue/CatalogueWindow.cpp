@@ -395,7 +395,7 @@ QString CatalogueWindow::reachablePath(int row)
         notice(tr("%1 is on the volume \"%2\" (UUID %3), which is not connected.\n\nConnect that volume to open or "
                   "locate the item.")
                    .arg(NativeText::toDisplay(results.path(at)), label, uuid),
-               64);
+               MessageStyle::Information);
         return {};
     }
     return NativeText::toDisplay(*path);
@@ -423,7 +423,7 @@ void CatalogueWindow::copyPaths(const QList<int>& rows)
         QApplication::clipboard()->setText(paths.join(QLatin1Char('\n')));
 }
 
-void CatalogueWindow::notice(const QString& text, int style)
+void CatalogueWindow::notice(const QString& text, MessageStyle style)
 {
     if (m_services.messages)
         m_services.messages->message(text, style, Title);
@@ -445,7 +445,7 @@ void CatalogueWindow::compareScan(qint64 scanId)
     if (!previous) {
         notice(tr("There is no earlier scan of %1 on this volume to compare with.")
                    .arg(NativeText::toDisplay(scan->startPath)),
-               64);
+               MessageStyle::Information);
         return;
     }
     struct Compared
@@ -483,7 +483,8 @@ void CatalogueWindow::removeScan(qint64 scanId)
         return;
     const QString question = tr("Remove the scan of %1 taken %2 from the catalogue?\n\nThe listing files stay.")
                                  .arg(NativeText::toDisplay(scan->startPath), scanTime(*scan));
-    if (m_services.messages && m_services.messages->message(question, 36, Title) != Answer::Yes)
+    if (m_services.messages &&
+        m_services.messages->message(question, MessageStyle::YesNoQuestion, Title) != Answer::Yes)
         return;
     QString error;
     if (!m_catalogue->remove({scanId}, &error))

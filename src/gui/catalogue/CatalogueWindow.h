@@ -4,6 +4,7 @@
 
 #include "CatalogueSearch.h"
 #include "VolumePresence.h"
+#include "platform/MessageStyle.h"
 #include "platform/Services.h"
 
 #include <QElapsedTimer>
@@ -69,7 +70,7 @@ private:
     QList<int> selectedRows() const;
     const ScanInfo* selectedScan() const;
     void chooseImportFiles();
-    void notice(const QString& text, int style = 48);
+    void notice(const QString& text, MessageStyle style = MessageStyle::Exclamation);
     void track(QPointer<QThread> thread);
 
     Services m_services;
