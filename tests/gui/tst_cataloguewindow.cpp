@@ -104,7 +104,7 @@ private slots:
         QVERIFY(m_dir.isValid());
         m_path = m_dir.filePath(QStringLiteral("catalogue.sqlite"));
         fill();
-        m_fakes.volumes.list = {Volume{QStringLiteral("/"), QStringLiteral("DATA"), 2, true}};
+        m_fakes.volumes.list = {Volume{QStringLiteral("/"), QStringLiteral("DATA"), DriveType::Fixed, true}};
     }
 
     void init()
