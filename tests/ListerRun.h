@@ -5,8 +5,8 @@
 #include <QProcess>
 #include <QStringList>
 
-// One run of quillary-list (QUILLARY_LIST) with HOME pointed at `home`, optionally behind `prefix` (a shell that
-// sets a limit, a switch to another user).
+// One run of quillary-list (QUILLARY_LIST) with HOME pointed at `home` (unset when `home` is null), optionally behind
+// `prefix` (a shell that sets a limit or passes bytes that are not UTF-8, a switch to another user).
 struct ListerRun
 {
     int code = -1;
@@ -17,7 +17,10 @@ struct ListerRun
     {
         QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), home);
+        if (home.isNull())
+            env.remove(QStringLiteral("HOME"));
+        else
+            env.insert(QStringLiteral("HOME"), home);
         p.setProcessEnvironment(env);
         const QStringList all = prefix + QStringList{QStringLiteral(QUILLARY_LIST)} + args;
         p.start(all.first(), all.mid(1));

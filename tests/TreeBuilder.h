@@ -3,10 +3,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDir>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <fcntl.h>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,7 +16,11 @@
 class TreeBuilder
 {
 public:
-    TreeBuilder() { QVERIFY(m_dir.isValid()); }
+    // The tree is made in a new folder under `under`.
+    explicit TreeBuilder(const QString& under = QDir::tempPath()) : m_dir(under + QStringLiteral("/quillary-XXXXXX"))
+    {
+        QVERIFY(m_dir.isValid());
+    }
     // QTemporaryDir cannot remove names that are not UTF-8 nor paths past PATH_MAX; rm can.
     ~TreeBuilder() { QProcess::execute(QStringLiteral("rm"), {QStringLiteral("-rf"), m_dir.path()}); }
 
@@ -41,6 +47,51 @@ public:
         if (size > 0)
             QCOMPARE(::ftruncate(fd, size), 0);
         ::close(fd);
+    }
+
+    // `folders` folders and `files` sparse files in a new folder "tree", with names meant to trip up whatever
+    // handles them: bytes that are not UTF-8, line breaks, leading dashes, wildcards, quotes, 255-byte names.
+    // The same seed makes the same tree. Returns the tree's path.
+    QByteArray hostileTree(int folders, int files, unsigned seed) const
+    {
+        static const QByteArrayList pieces = {"bad\xff\xfe",
+                                              "-rf",
+                                              "--help",
+                                              "line\nbreak",
+                                              "tab\there",
+                                              "cr\rx",
+                                              "quote'\"x",
+                                              "star*?[x]",
+                                              " lead",
+                                              "trail ",
+                                              ".hidden",
+                                              "stra\xc3\x9f"
+                                              "e",
+                                              "\xef\xac\x81le",
+                                              "back\\slash",
+                                              "$HOME",
+                                              "%s%n",
+                                              "\xe2\x80\xae"
+                                              "rtl",
+                                              "\xc3\xa9t\xc3\xa9"};
+        std::mt19937 rng(seed);
+        QByteArrayList dirs{"tree"};
+        dir("tree");
+        const auto name = [&](int i) {
+            QByteArray n = pieces[rng() % pieces.size()] + ' ' + QByteArray::number(i);
+            return i % 40 == 7 ? (n + QByteArray(255, 'L')).left(255) : n;
+        };
+        for (int i = 0; i < folders; ++i) {
+            QByteArray parent;
+            do // paths stay well below PATH_MAX, which this builder's calls need
+                parent = dirs[qsizetype(rng() % dirs.size())];
+            while (parent.size() > 2500);
+            dirs.append(parent + '/' + name(i));
+            dir(dirs.back());
+        }
+        for (int i = 0; i < files; ++i)
+            file(dirs[qsizetype(rng() % dirs.size())] + '/' + name(folders + i), qint64(rng() % 100000));
+        return path("tree");
     }
 
 private:

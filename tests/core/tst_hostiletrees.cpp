@@ -4,16 +4,32 @@
 #include "TreeBuilder.h"
 #include "scan/FolderWalk.h"
 
-#include <QProcess>
 #include <QSet>
-#include <QStandardPaths>
 #include <QTest>
 #include <atomic>
+#include <linux/magic.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/statfs.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <thread>
 
 using L = ScanResult::List;
+
+namespace {
+
+QByteArrayList lines(const ScanResult& r, L list)
+{
+    QByteArrayList out;
+    for (qint64 i = 0; i < r.count(list); ++i)
+        out.append(r.entry(list, i));
+    return out;
+}
+
+} // namespace
 
 // Trees that try to break the walk: busy folders, things that change under it, entries that are not files.
 class TestHostileTrees : public QObject
@@ -114,17 +130,8 @@ private slots:
 
     void aGeneratedOddTree()
     {
-        // The shared tree maker's hostile names (invalid UTF-8, line breaks, leading dashes, 255-byte names).
-        const QString mktree = QStringLiteral(QUILLARY_MKTREE);
-        if (!QFileInfo(mktree).isExecutable() || QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty())
-            QSKIP("the tree maker is not next to this checkout");
         TreeBuilder t, home;
-        const QString root = QFile::decodeName(t.root()) + QStringLiteral("/tree");
-        QCOMPARE(
-            QProcess::execute(mktree, {root, QStringLiteral("--files"), QStringLiteral("3000"),
-                                       QStringLiteral("--dirs"), QStringLiteral("300"), QStringLiteral("--odd-names"),
-                                       QStringLiteral("--seed"), QStringLiteral("7")}),
-            0);
+        const QString root = QFile::decodeName(t.hostileTree(300, 3000, 7));
         const auto r = FolderWalk::run(QFile::encodeName(root));
         QCOMPARE(r->folderCount(), 300);
         QCOMPARE(r->fileCount(), 3000);
@@ -141,6 +148,119 @@ private slots:
         for (qint64 i = 0; i < r->fileCount(); ++i)
             expected += r->entry(L::FilePaths, i) + "\r\n";
         QVERIFY(listing.readAll().contains("(3000):\r\n\r\n" + expected + "\r\n"));
+    }
+
+    void everyEntryUnderALowDescriptorLimit()
+    {
+        // Folders deeper than a path can reach wait for their turn holding a descriptor each, while the walk can
+        // spare one; under a limit of 64 the others are opened again through their parents and none is lost.
+        TreeBuilder t;
+        QByteArray deep;
+        for (int level = 0; level < 30; ++level) // 30 * 111 bytes: past the length where paths give way
+            deep += (level ? "/" : "") + QByteArray(110, char('a' + level % 26));
+        for (int k = 0; k < 400; ++k) // a wide folder
+            t.file(deep + "/wide/w" + QByteArray::number(k) + "/f", 1);
+        QByteArray comb = deep + "/comb"; // a deep chain with a leaf beside every link
+        for (int level = 0; level < 60; ++level) {
+            t.file(comb + "/leaf/f", 1);
+            comb += "/c";
+        }
+        t.dir(comb);
+        const int wide = 30 + 1 + 400, combFolders = 1 + 60 * 2;
+
+        int out[2];
+        QCOMPARE(::pipe(out), 0);
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            const struct rlimit low
+            {
+                64, 64
+            };
+            std::int64_t counts[3] = {-1, -1, -1};
+            if (::setrlimit(RLIMIT_NOFILE, &low) == 0) {
+                WalkOptions o;
+                o.threads = 16;
+                const auto r = FolderWalk::run(t.root(), o);
+                counts[0] = r->folderCount();
+                counts[1] = r->fileCount();
+                counts[2] = std::int64_t(r->unreadableFolders().size());
+            }
+            ::_exit(::write(out[1], counts, sizeof counts) == sizeof counts ? 0 : 1);
+        }
+        ::close(out[1]);
+        std::int64_t counts[3] = {};
+        QCOMPARE(::read(out[0], counts, sizeof counts), qint64(sizeof counts));
+        ::close(out[0]);
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+        QCOMPARE(counts[0], wide + combFolders);
+        QCOMPARE(counts[1], 400 + 60);
+        QCOMPARE(counts[2], 0);
+    }
+
+    void mountPointsAreNotEnteredAtAnyDepth()
+    {
+        // A folder bound below the start folder, near the top and past the length where paths give way, is
+        // listed as a folder and not entered, though it is on the same device.
+        if (::geteuid() != 0)
+            QSKIP("binding a folder needs root");
+        TreeBuilder t;
+        QByteArray deep;
+        for (int level = 0; level < 30; ++level)
+            deep += (level ? "/" : "") + QByteArray(110, 'd');
+        t.file("foreign/inside.txt");
+        t.dir("near/bound");
+        t.dir(deep + "/bound");
+        int out[2];
+        QCOMPARE(::pipe(out), 0);
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            // In a mount namespace of its own, so no mount outlives the test whatever happens.
+            std::int64_t counts[3] = {-1, -1, -1};
+            if (::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                ::mount(t.path("foreign").constData(), t.path("near/bound").constData(), nullptr, MS_BIND, nullptr) ==
+                    0 &&
+                ::mount(t.path("foreign").constData(), t.path(deep + "/bound").constData(), nullptr, MS_BIND,
+                        nullptr) == 0) {
+                const auto r = FolderWalk::run(t.root());
+                counts[0] = r->folderCount();
+                counts[1] = r->fileCount();
+                counts[2] = 0;
+                ::umount2(t.path(deep + "/bound").constData(), MNT_DETACH);
+                ::umount2(t.path("near/bound").constData(), MNT_DETACH);
+            }
+            ::_exit(::write(out[1], counts, sizeof counts) == sizeof counts ? 0 : 1);
+        }
+        ::close(out[1]);
+        std::int64_t counts[3] = {};
+        QCOMPARE(::read(out[0], counts, sizeof counts), qint64(sizeof counts));
+        ::close(out[0]);
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+        if (counts[0] < 0)
+            QSKIP("no mount namespace or bind mount here");
+        QCOMPARE(counts[0], 30 + 1 + 1 + 2); // the deep chain and its bound folder, foreign, near and its own
+        QCOMPARE(counts[1], 1);              // foreign's own file, once
+    }
+
+    void sizesNeverWrap()
+    {
+        // Sparse files of 2^63 - 1 bytes sum past 2^64; wrapped, these folders would show 5kB. Past the largest
+        // size they show the size computed before, as every oversized folder does.
+        struct statfs fs;
+        if (::statfs("/dev/shm", &fs) != 0 || fs.f_type != TMPFS_MAGIC)
+            QSKIP("needs a tmpfs at /dev/shm, the usual file system that takes files of 2^63 bytes");
+        TreeBuilder t(QStringLiteral("/dev/shm"));
+        const qint64 huge = std::numeric_limits<qint64>::max();
+        t.file("a/small", 2048);
+        t.file("b/huge1", huge);
+        t.file("b/huge2", huge);
+        t.file("b/rest", 5000);
+        t.file("c/x/huge", huge);
+        t.file("c/y/huge", huge);
+        t.file("c/rest", 5000);
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(lines(*r, L::FolderNames), QByteArrayList({"a (2kB)", "b (2kB)", "x (2kB)", "y (2kB)", "c (2kB)"}));
     }
 
     void oddNamesThroughTheLister()

@@ -3,7 +3,9 @@
 #include "TreeBuilder.h"
 #include "export/ItemCopy.h"
 
+#include <QScopeGuard>
 #include <QTest>
+#include <sys/mount.h>
 
 using ItemCopy::Reply;
 
@@ -27,6 +29,23 @@ void write(const QByteArray& path, const QByteArray& data)
     QCOMPARE(::write(fd, data.constData(), size_t(data.size())), ssize_t(data.size()));
     ::close(fd);
 }
+
+QStringList temporaries(const QByteArray& folder)
+{
+    return QDir(QFile::decodeName(folder))
+        .entryList(QDir::Files | QDir::Hidden | QDir::System)
+        .filter(QStringLiteral(".quillary"));
+}
+
+constexpr time_t OldTime = 978307200; // 1 January 2001
+
+bool setTime(const QByteArray& path)
+{
+    const timespec times[2] = {{OldTime, 0}, {OldTime, 0}};
+    return ::utimensat(AT_FDCWD, path.constData(), times, 0) == 0;
+}
+
+enum Fault { OntoItself, HardLink, Unreadable, FullDisk };
 
 qint64 sizeOf(const QByteArray& path)
 {
@@ -61,6 +80,16 @@ private slots:
         QVERIFY(!ItemCopy::fileExists(box.path("adir")));
         QCOMPARE(ItemCopy::copyFile(src.path(""), box.path("x")), 75); // a folder is not a file
 
+        // A set-user-ID program copied (by root, say) loses the bit, and keeps its date.
+        write(src.path("tool"), "#!/bin/sh\n");
+        QCOMPARE(::chmod(src.path("tool").constData(), 06755), 0);
+        QVERIFY(setTime(src.path("tool")));
+        QCOMPARE(ItemCopy::copyFile(src.path("tool"), box.path("tool")), 0);
+        struct stat st;
+        QCOMPARE(::stat(box.path("tool").constData(), &st), 0);
+        QCOMPARE(st.st_mode & 07700, mode_t(0700));
+        QCOMPARE(st.st_mtim.tv_sec, OldTime);
+
         // A link is copied as a link; a pipe is never opened.
         QCOMPARE(::symlink("old.txt", src.path("link").constData()), 0);
         QCOMPARE(ItemCopy::copyFile(src.path("link"), box.path("link")), 0);
@@ -70,10 +99,7 @@ private slots:
         QCOMPARE(::mkfifo(src.path("pipe").constData(), 0644), 0);
         QCOMPARE(ItemCopy::copyFile(src.path("pipe"), box.path("pipe")), 75);
         QVERIFY(!ItemCopy::fileExists(box.path("pipe")));
-        QCOMPARE(QDir(QFile::decodeName(box.root()))
-                     .entryList(QDir::Files | QDir::Hidden | QDir::System)
-                     .filter(QStringLiteral(".quillary")),
-                 QStringList()); // no temporary file left behind
+        QCOMPARE(temporaries(box.root()), QStringList()); // no temporary file left behind
     }
 
     void copyATree()
@@ -87,6 +113,7 @@ private slots:
         box.file("Album/b.jpg");
         box.file("Album/c.jpg");
         QCOMPARE(::mkfifo(src.path("Album/pipe").constData(), 0644), 0);
+        QVERIFY(setTime(src.path("Album/deeper")));
 
         QList<QByteArray> asked, problems;
         QList<Reply> replies{Reply::No, Reply::Yes, Reply::No};
@@ -109,6 +136,9 @@ private slots:
         QCOMPARE(problems, QList<QByteArray>({src.path("Album/pipe")}));
         QCOMPARE(lastDone, lastTotal);
         QCOMPARE(sizeOf(box.path("Album/deeper/d.jpg")), 40);
+        struct stat st;
+        QCOMPARE(::stat(box.path("Album/deeper").constData(), &st), 0);
+        QCOMPARE(st.st_mtim.tv_sec, OldTime); // the folder's date, not the copy's
         int replaced = 0;
         for (const char* f : {"Album/a.jpg", "Album/b.jpg", "Album/c.jpg"})
             replaced += sizeOf(box.path(f)) > 0;
@@ -135,16 +165,59 @@ private slots:
         QCOMPARE(sizeOf(box.path("Gone")), -1);
     }
 
-    void removeAFile()
+    // Replacing a file in the collection folder never costs the user the file that was there.
+    void replaceKeepsTheOldTarget_data()
     {
-        TreeBuilder box;
-        write(box.path("a.txt"), "a");
-        QCOMPARE(ItemCopy::removeFile(box.path("a.txt")), 0);
-        QVERIFY(!ItemCopy::fileExists(box.path("a.txt")));
-        QCOMPARE(ItemCopy::removeFile(box.path("a.txt")), 53);
-        QCOMPARE(ItemCopy::removeFile(box.path("no/a.txt")), 76);
-        box.dir("adir");
-        QCOMPARE(ItemCopy::removeFile(box.path("adir")), 75);
+        QTest::addColumn<int>("fault");
+        QTest::addColumn<int>("error");
+        QTest::newRow("onto itself") << int(OntoItself) << 0;
+        QTest::newRow("hard link to the target") << int(HardLink) << 0;
+        QTest::newRow("unreadable source") << int(Unreadable) << 75;
+        QTest::newRow("full file system") << int(FullDisk) << 61;
+    }
+    void replaceKeepsTheOldTarget()
+    {
+        QFETCH(int, fault);
+        QFETCH(int, error);
+        TreeBuilder src, box;
+        QByteArray root = box.root();
+        if (fault == FullDisk) {
+            if (::geteuid() != 0)
+                QSKIP("mounting a small file system needs root");
+            QVERIFY(::mount("tmpfs", root.constData(), "tmpfs", 0, "size=64k") == 0);
+        }
+        const auto unmount = qScopeGuard([&] {
+            if (fault == FullDisk)
+                ::umount2(root.constData(), MNT_DETACH);
+        });
+        const QByteArray target = root + "/mine.txt";
+        write(target, "the user's only copy");
+        struct stat before;
+        QCOMPARE(::stat(target.constData(), &before), 0);
+        QByteArray source = src.path("new.txt");
+        write(source, QByteArray(1 << 20, 'n'));
+        if (fault == OntoItself)
+            source = target;
+        if (fault == HardLink)
+            QCOMPARE(::link(target.constData(), (source = root + "/another name.txt").constData()), 0);
+        if (fault == Unreadable)
+            QCOMPARE(::chmod(source.constData(), 0), 0);
+
+        // Root reads anything: the unreadable source is copied as an ordinary user.
+        const bool asUser = fault == Unreadable && ::geteuid() == 0;
+        if (asUser) {
+            QCOMPARE(::chmod(root.constData(), 0777), 0);
+            QCOMPARE(::seteuid(65534), 0);
+        }
+        const int got = ItemCopy::copyFile(source, target);
+        if (asUser)
+            QCOMPARE(::seteuid(0), 0);
+        QCOMPARE(got, error);
+        QCOMPARE(read(target), QByteArray("the user's only copy"));
+        struct stat after;
+        QCOMPARE(::stat(target.constData(), &after), 0);
+        QCOMPARE(after.st_ino, before.st_ino); // the very file, not a copy of it
+        QCOMPARE(temporaries(root), QStringList());
     }
 };
 

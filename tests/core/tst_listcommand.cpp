@@ -2,12 +2,23 @@
 
 #include "ListerRun.h"
 #include "TreeBuilder.h"
+#include "common/Version.h"
 
 #include <QDir>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTest>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
+
+QByteArray readAll(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
 
 } // namespace
 
@@ -49,19 +60,31 @@ private slots:
         QVERIFY(text.contains("\r\nParent Folder: " + t.root() +
                               "\r\nLIST OF ALL FILES (2):\r\n\r\na.txt\r\ntop.txt\r\n\r\n"));
 
-        // Again: refused without --yes, replaced with it.
+        // Again: refused without --yes, replaced with it; also when only some of the four are there.
+        const QString third = box() + QStringLiteral("/Files List WithPath mine.txt");
+        QVERIFY(QFile::remove(box() + QStringLiteral("/Folders List - mine.txt")));
+        const QByteArray kept = readAll(third);
         r = list({root, QStringLiteral("--name"), QStringLiteral("mine")});
         QCOMPARE(r.code, 1);
         QVERIFY(r.err.contains("Folder List not saved, recommended to try again."));
+        QCOMPARE(r.out, QByteArray()); // refused before the walk
+        QVERIFY(!QFile::exists(box() + QStringLiteral("/Folders List - mine.txt")));
+        t.file("more.txt");
         r = list({QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("mine"), root});
         QCOMPARE(r.code, 0);
+        QVERIFY(QFile::exists(box() + QStringLiteral("/Folders List - mine.txt")));
+        QVERIFY(readAll(third) != kept);
 
-        // The default name is the folder's own; --out writes elsewhere.
-        const QString elsewhere = m_home.path() + QStringLiteral("/out/deeper");
-        r = list({root, QStringLiteral("--out"), elsewhere});
+        // The default name is the folder's own; --out writes into exactly the folder given, bytes and all.
+        const QString elsewhere = m_home.path() + QStringLiteral("/out");
+        r = ListerRun(m_home.path(), {elsewhere, root},
+                      {QStringLiteral("/bin/bash"), QStringLiteral("-c"),
+                       QStringLiteral("exec \"$0\" --out \"$1\"$'/d\\xff\\xfe/deeper' \"$2\"")});
         QCOMPARE(r.code, 0);
-        QVERIFY(QFile::exists(elsewhere + QStringLiteral("/Files List - ") + QFileInfo(root).fileName() +
-                              QStringLiteral(".txt")));
+        const QByteArray written = QFile::encodeName(elsewhere) + "/d\xff\xfe/deeper/Files List - " +
+                                   QFile::encodeName(QFileInfo(root).fileName()) + ".txt";
+        QVERIFY2(::access(written.constData(), F_OK) == 0, r.out.constData());
+        QProcess::execute(QStringLiteral("rm"), {QStringLiteral("-rf"), elsewhere}); // beyond QTemporaryDir
     }
 
     void searchFromTheCommandLine()
@@ -86,36 +109,82 @@ private slots:
             !QDir(box()).exists(QStringLiteral("Files List - ") + QFileInfo(root).fileName() + QStringLiteral(".txt")));
     }
 
-    void badInput()
+    // Arguments as other command-line tools take them, and messages that name the program, the path and the
+    // reason. FOLDER in `args` stands for the tree's root; nothing is written by any of these but the first.
+    void commandLines_data()
     {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QByteArray>("output"); // the start of stdout, or of stderr when the code is not 0
+        QTest::newRow("--name=X") << QStringList{QStringLiteral("--name=joined"), QStringLiteral("FOLDER")} << 0
+                                  << QByteArray("NO FOLDER FOUND\nTotal Files: 1\n");
+        QTest::newRow("-- ends the options") << QStringList{QStringLiteral("--"), QStringLiteral("--yes")} << 2
+                                             << QByteArray("quillary-list: cannot read '--yes': No such file");
+        QTest::newRow("--version") << QStringList{QStringLiteral("--version")} << 0
+                                   << QByteArray("quillary-list " QUILLARY_VERSION "\n");
+        QTest::newRow("-h")
+            << QStringList{QStringLiteral("-h")} << 0
+            << QByteArray(
+                   "Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] [--no-catalogue] [--] FOLDER");
+        QTest::newRow("no folder") << QStringList() << 2 << QByteArray("quillary-list: no FOLDER given");
+        QTest::newRow("missing folder") << QStringList{QStringLiteral("FOLDER/nope")} << 2
+                                        << QByteArray("quillary-list: cannot read '");
+        QTest::newRow("not a folder") << QStringList{QStringLiteral("FOLDER/plain.txt")} << 2
+                                      << QByteArray("quillary-list: cannot list '");
+        QTest::newRow("unknown option") << QStringList{QStringLiteral("--frobnicate"), QStringLiteral("FOLDER")} << 2
+                                        << QByteArray("quillary-list: Unknown option 'frobnicate'.");
+        QTest::newRow("value missing") << QStringList{QStringLiteral("FOLDER"), QStringLiteral("--name")} << 2
+                                       << QByteArray("quillary-list: Missing value after '--name'.");
+        QTest::newRow("unwritable --out")
+            << QStringList{QStringLiteral("--out"), QStringLiteral("FOLDER/plain.txt/x"), QStringLiteral("FOLDER")} << 3
+            << QByteArray("quillary-list: cannot write into '");
+        // A name holding a path separator takes the save's own error path.
+        QTest::newRow("name with a slash")
+            << QStringList{QStringLiteral("FOLDER"), QStringLiteral("--name"), QStringLiteral("a/b")} << 3
+            << QByteArray("Invalid file name, choose different file name.\n76\nPath not found\n");
+    }
+    void commandLines()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(QByteArray, output);
         TreeBuilder t;
         t.file("plain.txt");
-        const QString root = QFile::decodeName(t.root());
-        const QStringList names = QDir(box()).entryList(QDir::Files);
-        ListerRun r = list({});
-        QCOMPARE(r.code, 2);
-        QVERIFY(r.err.contains("no FOLDER"));
-        r = list({root + QStringLiteral("/nope")});
-        QCOMPARE(r.code, 2);
-        QVERIFY(r.err.contains("no such folder"));
-        r = list({root + QStringLiteral("/plain.txt")});
-        QCOMPARE(r.code, 2);
-        QVERIFY(r.err.contains("not a folder"));
-        r = list({QStringLiteral("--frobnicate"), root});
-        QCOMPARE(r.code, 2);
-        QVERIFY(r.err.contains("unknown option --frobnicate"));
-        r = list({root, QStringLiteral("--name")});
-        QCOMPARE(r.code, 2);
-        QCOMPARE(QDir(box()).entryList(QDir::Files), names); // nothing written by any of these
+        args.replaceInStrings(QStringLiteral("FOLDER"), QFile::decodeName(t.root()));
+        const QStringList before = QDir(box()).entryList(QDir::Files);
+        const ListerRun r = list(args);
+        QCOMPARE(r.code, code);
+        QVERIFY2((code == 0 ? r.out : r.err).startsWith(output), (r.out + r.err).constData());
+        if (code != 0)
+            QCOMPARE(QDir(box()).entryList(QDir::Files), before);
+        else if (args.first().startsWith(QLatin1String("--name=")))
+            QVERIFY(QFile::exists(box() + QStringLiteral("/Files List - joined.txt")));
+    }
 
-        // A name holding a path separator takes the save's own error path.
-        r = list({root, QStringLiteral("--name"), QStringLiteral("a/b")});
-        QCOMPARE(r.code, 3);
-        QCOMPARE(r.err, QByteArray("Invalid file name, choose different file name.\n76\nPath not found\n"));
-
-        r = list({QStringLiteral("--help")});
-        QCOMPARE(r.code, 0);
-        QVERIFY(r.out.startsWith("Usage: quillary-list [--short] [--name NAME] [--out DIR] [--yes] FOLDER"));
+    void unreadableFolderNamedAndListingWritten()
+    {
+        // Permissions bind only an ordinary user, so the lister runs as one.
+        if (QStandardPaths::findExecutable(QStringLiteral("setpriv")).isEmpty())
+            QSKIP("setpriv is needed to run the lister as an ordinary user");
+        TreeBuilder t;
+        t.file("a/locked/secret.txt");
+        t.file("a/open.txt");
+        const QByteArray out = t.root() + "/out";
+        QVERIFY(QDir().mkdir(QFile::decodeName(out)));
+        for (const QByteArray& p : {t.root(), out})
+            ::chmod(p.constData(), 0777);
+        ::chmod(t.path("a/locked").constData(), 0);
+        const ListerRun r(m_home.path(),
+                          {QStringLiteral("--no-catalogue"), QStringLiteral("--out"), QFile::decodeName(out),
+                           QFile::decodeName(t.root())},
+                          {QStringLiteral("setpriv"), QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                           QStringLiteral("--clear-groups")});
+        ::chmod(t.path("a/locked").constData(), 0755);
+        if (r.code == 0 && ::geteuid() != 0)
+            QSKIP("permissions do not bind here");
+        QCOMPARE(r.code, 4);
+        QCOMPARE(r.err, "quillary-list: cannot read '" + t.path("a/locked") + "': Permission denied\n");
+        QCOMPARE(QDir(QFile::decodeName(out)).entryList(QDir::Files).size(), 4);
     }
 };
 

@@ -32,20 +32,44 @@ class TestListSearch : public QObject
     Q_OBJECT
 
 private slots:
+    void matching_data()
+    {
+        QTest::addColumn<QByteArray>("item");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("found");
+        const auto row = [](const char* name, const char* item, const QString& text, bool found) {
+            QTest::newRow(name) << QByteArray(item) << text << found;
+        };
+        row("path", "C:\\My Photos", QStringLiteral("photo"), true);
+        row("upper case item", "PHOTOGRAPHS", QStringLiteral("photo"), true);
+        row("longer than item", "phot", QStringLiteral("photo"), false);
+        row("one letter", "A", QStringLiteral("a"), true);
+        row("no wildcards", "Abc", QStringLiteral("a*"), false);
+        row("star as itself", "xA*y", QStringLiteral("a*"), true);
+        row("accented item", "caf\xc3\xa9", QStringLiteral("CAFÉ"), true);
+        row("accented text", "CAF\xc3\x89", QStringLiteral("café"), true);
+        row("dotless i is I", "d\xc4\xb1nner", QStringLiteral("DINN"), true);
+        row("not UTF-8", "bad\xff name", QStringLiteral("NAME"), true);
+        row("empty text", "anything", QString(), false);
+        // Upper case unit by unit: no character turns into two.
+        row("SS does not find sharp s",
+            "stra\xc3\x9f"
+            "e",
+            QStringLiteral("STRASSE"), false);
+        row("sharp s finds itself",
+            "STRA\xc3\x9f"
+            "E",
+            QStringLiteral("straße"), true);
+        row("FI does not find the ligature", "\xef\xac\x81le", QStringLiteral("FILE"), false);
+        row("the ligature finds itself", "\xef\xac\x81LE", QStringLiteral("ﬁle"), true);
+    }
+
     void matching()
     {
-        const QString photo = QStringLiteral("photo");
-        QVERIFY(ListSearch::matches("C:\\My Photos", photo));
-        QVERIFY(ListSearch::matches("PHOTOGRAPHS", photo));
-        QVERIFY(!ListSearch::matches("phot", photo));
-        QVERIFY(ListSearch::matches("A", QStringLiteral("a")));
-        QVERIFY(!ListSearch::matches("Abc", QStringLiteral("a*"))); // no wildcards
-        QVERIFY(ListSearch::matches("xA*y", QStringLiteral("a*")));
-        QVERIFY(ListSearch::matches("caf\xc3\xa9", QStringLiteral("CAFÉ")));
-        QVERIFY(ListSearch::matches("CAF\xc3\x89", QStringLiteral("café")));
-        QVERIFY(ListSearch::matches("d\xc4\xb1nner", QStringLiteral("DINN"))); // dotless i upper-cases to I
-        QVERIFY(ListSearch::matches("bad\xff name", QStringLiteral("NAME")));
-        QVERIFY(!ListSearch::matches("anything", QString()));
+        QFETCH(QByteArray, item);
+        QFETCH(QString, text);
+        QFETCH(bool, found);
+        QCOMPARE(ListSearch::matches({item.constData(), size_t(item.size())}, text), found);
     }
 
     void resultLinesAndCounts()

@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
+#include <sys/file.h>
 
 // Saves that fail for real, through quillary-list: whatever fails, every listing that was there before is
 // still there, byte for byte, and the user is told why.
@@ -71,8 +72,8 @@ private slots:
     {
         const auto before = listings();
         QVERIFY(QDir().mkpath(box() + QStringLiteral("/Files List - blocked.txt")));
-        const ListerRun p =
-            list({}, {QStringLiteral("--name"), QStringLiteral("blocked"), QFile::decodeName(m_tree.root())});
+        const ListerRun p = list({}, {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("blocked"),
+                                      QFile::decodeName(m_tree.root())});
         QCOMPARE(p.code, 3);
         QVERIFY(p.err.contains("Change the SAVE Location. Access denied to Save in the application location."));
         // Files 1 and 2 of the new set were written before file 4 failed, and stay; nothing else changed.
@@ -82,6 +83,79 @@ private slots:
         QCOMPARE(after.size(), before.size() + 2);
         QVERIFY(after.contains(QStringLiteral("Folders List - blocked.txt")));
         QDir(box() + QStringLiteral("/Files List - blocked.txt")).removeRecursively();
+    }
+
+    // What a save killed part-way left (kill -9 gives no chance to clean up) goes with the next save; a temporary
+    // file that a running save holds locked, and any other name, stay.
+    void killedSaveCleanedUpByTheNext()
+    {
+        const auto before = listings();
+        const QString stale = box() + QStringLiteral("/.quillary-Kq3x9Z"),
+                      held = box() + QStringLiteral("/.quillary-h0LDme"),
+                      other = box() + QStringLiteral("/.quillary-notours");
+        for (const QString& name : {stale, held, other}) {
+            QFile f(name);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write("part of a listing");
+        }
+        QFile holder(held);
+        QVERIFY(holder.open(QIODevice::ReadOnly));
+        QCOMPARE(::flock(holder.handle(), LOCK_EX | LOCK_NB), 0);
+        const ListerRun p =
+            list({}, {QStringLiteral("--name"), QStringLiteral("after"), QFile::decodeName(m_tree.root())});
+        QCOMPARE(p.code, 0);
+        QVERIFY(!QFile::exists(stale));
+        QVERIFY(QFile::exists(held));
+        QVERIFY(QFile::exists(other));
+        QFile::remove(held);
+        QFile::remove(other);
+        for (auto it = before.begin(); it != before.end(); ++it)
+            QVERIFY(QFile::exists(box() + QLatin1Char('/') + it.key()));
+    }
+
+    // A collection folder that is not the user's own: nothing written, the reason on stderr, before any walk.
+    void refusedCollectionFolder_data()
+    {
+        QTest::addColumn<QString>("home");
+        QTest::addColumn<QString>("box"); // "link" or "foreign"; empty: none made
+        QTest::addColumn<QByteArray>("reason");
+        QTest::newRow("HOME unset") << QString() << QString() << QByteArray("HOME is not set");
+        QTest::newRow("HOME empty") << QStringLiteral("") << QString() << QByteArray("HOME is not set");
+        QTest::newRow("a symbolic link") << QStringLiteral("home") << QStringLiteral("link")
+                                         << QByteArray("Quillbox' is a symbolic link");
+        QTest::newRow("another user's") << QStringLiteral("home") << QStringLiteral("foreign")
+                                        << QByteArray("Quillbox' belongs to another user");
+    }
+    void refusedCollectionFolder()
+    {
+        QFETCH(QString, home);
+        QFETCH(QString, box);
+        QFETCH(QByteArray, reason);
+        if (box == QLatin1String("foreign") && ::geteuid() != 0)
+            QSKIP("giving a folder to another user needs root");
+        QTemporaryDir dir;
+        const QString target = dir.path() + QStringLiteral("/target");
+        QVERIFY(QDir().mkpath(target));
+        if (home == QLatin1String("home")) {
+            home = dir.path() + QStringLiteral("/home");
+            QVERIFY(QDir().mkpath(home));
+            if (box == QLatin1String("link"))
+                QVERIFY(QFile::link(target, home + QStringLiteral("/Quillbox")));
+            else
+                QVERIFY(QDir().mkpath(home + QStringLiteral("/Quillbox")));
+            if (box == QLatin1String("foreign"))
+                QCOMPARE(::chown(QFile::encodeName(home + QStringLiteral("/Quillbox")).constData(), 65534, 65534), 0);
+        }
+        const bool rootBoxBefore = QFileInfo::exists(QStringLiteral("/Quillbox"));
+        const ListerRun p(home, {QFile::decodeName(m_tree.root())});
+        QCOMPARE(p.code, 3);
+        QVERIFY2(p.err.startsWith("quillary-list: will not write into the collection folder: "), p.err.constData());
+        QVERIFY2(p.err.contains(reason), p.err.constData());
+        QCOMPARE(p.out, QByteArray()); // refused before the walk
+        QCOMPARE(QFileInfo::exists(QStringLiteral("/Quillbox")), rootBoxBefore);
+        QCOMPARE(QDir(target).entryList(QDir::Files | QDir::Hidden), QStringList());
+        if (box == QLatin1String("foreign"))
+            QCOMPARE(QDir(home + QStringLiteral("/Quillbox")).entryList(QDir::Files | QDir::Hidden), QStringList());
     }
 
     void readOnlyCollectionFolder()

@@ -8,6 +8,7 @@
 #include "scan/FolderWalk.h"
 
 #include <QDir>
+#include <QScopeGuard>
 #include <QTest>
 
 namespace {
@@ -344,6 +345,33 @@ private slots:
         QCOMPARE(
             again.boxes.mid(1),
             QStringList({question(filesFile), QStringLiteral("48: File List not saved, recommended to try again.")}));
+    }
+
+    // No home folder, or a ~/Quillbox that is a link: nothing written anywhere, error 76 with the reason.
+    void refusedCollectionFolder()
+    {
+        const QByteArray home = qgetenv("HOME");
+        const auto restore = qScopeGuard([&] { qputenv("HOME", home); });
+        SystemFileOps ops;
+        qunsetenv("HOME");
+        FakeHost unset;
+        SaveFlow(unset, unset, ops).run(SaveFlow::Kind::Set, sources(ScanResult::Flavour::Short));
+        QCOMPARE(unset.inputs, 0);
+        QCOMPARE(unset.boxes, QStringList({QStringLiteral("16: Invalid file name, choose different file name."),
+                                           QStringLiteral("0: 76\r\nPath not found (HOME is not set, so there is no "
+                                                          "home folder to keep Quillbox in)")}));
+
+        QVERIFY(QDir().mkpath(m_home.path() + QStringLiteral("/elsewhere")));
+        QVERIFY(QFile::link(m_home.path() + QStringLiteral("/elsewhere"), m_box));
+        qputenv("HOME", QFile::encodeName(m_home.path()));
+        FakeHost linked;
+        const SaveFlow::Outcome out =
+            SaveFlow(linked, linked, ops).run(SaveFlow::Kind::Set, sources(ScanResult::Flavour::Long));
+        QCOMPARE(out.error, 76);
+        QVERIFY(linked.boxes.last().endsWith(QStringLiteral("is a symbolic link, not a folder of your own)")));
+        QCOMPARE(QDir(m_home.path() + QStringLiteral("/elsewhere")).entryList(QDir::Files | QDir::Hidden),
+                 QStringList());
+        QFile::remove(m_box);
     }
 
     void emptyListsAndNoFolder()

@@ -91,11 +91,6 @@ bool AccessibleNode::enabled() const
     return hasState(m_object, ATSPI_STATE_ENABLED);
 }
 
-bool AccessibleNode::checked() const
-{
-    return hasState(m_object, ATSPI_STATE_CHECKED);
-}
-
 QRect AccessibleNode::extents() const
 {
     AtspiComponent* component = isNull() ? nullptr : atspi_accessible_get_component_iface(as(m_object));

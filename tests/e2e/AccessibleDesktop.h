@@ -25,7 +25,6 @@ public:
     QString role() const; // AT-SPI's role name: "push button", "label", "table", "dialog", ...
     bool showing() const;
     bool enabled() const;
-    bool checked() const;
     QRect extents() const; // on the screen
     QList<AccessibleNode> children() const;
 

@@ -3,11 +3,16 @@
 #include "BrowserTestKit.h"
 
 #include "browser/DriveCaptionLabel.h"
+#include "common/NativeText.h"
 #include "platform/Twips.h"
 #include "scan/ScanResultBuilder.h"
 
 #include <QComboBox>
+#include <QScopeGuard>
 #include <QTreeView>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace BrowserTestKit;
 
@@ -103,6 +108,50 @@ private slots:
         ui.Drive1->setCurrentIndex(0);
         QVERIFY(!ui.Dir1->isHidden() && ui.List_Folders->isEnabled());
         QCOMPARE(ui.Label2->text(), m_fixed);
+
+        // Opening the selector reads the volumes again: a stick mounted since is there, one taken away is gone,
+        // and the current drive stays without a drive change.
+        ui.Text1->setText(u"kept"_s);
+        m_fakes.volumes.list.removeAt(1);
+        m_fakes.volumes.list.append({m_home.path() + u"/late"_s, u"Late"_s, DriveType::Removable, true});
+        ui.Drive1->showPopup();
+        ui.Drive1->hidePopup();
+        QStringList listed;
+        for (int i = 0; i < ui.Drive1->count(); ++i)
+            listed.append(ui.Drive1->itemText(i));
+        QCOMPARE(listed, (QStringList{m_fixed + u" [System]"_s, m_cd, m_home.path() + u"/late [Late]"_s}));
+        QCOMPARE(ui.Drive1->currentText(), m_fixed + u" [System]"_s);
+        QCOMPARE(ui.Text1->text(), u"kept"_s);
+    }
+
+    // The tree on the folders' own bytes: a name that is not UTF-8 is there and lists; renamed outside, it stays
+    // chosen, and Label2 with it.
+    void folderTreeOnRawBytes_data() { addFlavours(); }
+    void folderTreeOnRawBytes()
+    {
+        QFETCH(bool, longVersion);
+        const QByteArray odd = QFile::encodeName(m_fixed) + "/docs/\xE9t\xE9";
+        QCOMPARE(::mkdir(odd.constData(), 0755), 0);
+        const auto cleanup = qScopeGuard([&] {
+            ::rename(odd.constData(), QByteArray(odd + "-gone").constData());
+            ::unlink(QByteArray(odd + "-gone/f.txt").constData());
+            ::rmdir(QByteArray(odd + "-gone").constData());
+        });
+        ::close(::open(QByteArray(odd + "/f.txt").constData(), O_WRONLY | O_CREAT, 0644));
+        auto w = window(m_fakes, longVersion);
+        const BrowserControls& ui = w->controls();
+        new QAbstractItemModelTester(ui.Dir1->model(), QAbstractItemModelTester::FailureReportingMode::QtTest, w.get());
+        const QString shown = NativeText::toDisplay(odd);
+        w->setDir1Path(shown);
+        QCOMPARE(ui.Dir1->currentIndex().data().toString(), NativeText::toDisplay(QByteArray("\xE9t\xE9")));
+        scan(*w);
+        QCOMPARE(entries(*w, 3), QStringList{shown + u"/f.txt"_s});
+
+        QCOMPARE(::rename(odd.constData(), QByteArray(odd + "-gone").constData()), 0);
+        QCoreApplication::processEvents();
+        QCOMPARE(ui.Label2->text(), shown);
+        QCOMPARE(ui.Dir1->currentIndex().data().toString(), NativeText::toDisplay(QByteArray("\xE9t\xE9")));
+        QCOMPARE(::rename(QByteArray(odd + "-gone").constData(), odd.constData()), 0);
     }
 
     // The caption for each kind of drive, and the type Command1 reports for it.
@@ -195,12 +244,25 @@ private slots:
         QCOMPARE(ui.Label8->text(), u"Show File Names only"_s);
         QCOMPARE(w->height(), height);
 
-        // Maximised, the toggle cannot change the width; back to normal, the design values return.
+        // Maximised, the panes, the search section and the path frame fill the window and the toggle cannot change
+        // the width; back to normal, every control stands where it stood.
+        QHash<QWidget*, QRect> normal;
+        for (QWidget* child : w->findChildren<QWidget*>())
+            normal.insert(child, child->geometry());
         w->showMaximized();
         QTRY_VERIFY(w->isMaximized());
         QTRY_VERIFY(!ui.Label8->isEnabled());
+        const QRect names = pane(*w, 4)->geometry(), paths = pane(*w, 3)->geometry();
+        QVERIFY(names.right() < w->width() && names.right() > w->width() * 8 / 10);
+        QVERIFY(paths.right() < names.left());
+        QVERIFY(qAbs(ui.pathFrame->geometry().bottom() - (w->height() - 1)) <= 1);
+        QVERIFY(paths.bottom() < ui.pathFrame->y());
+        QVERIFY(ui.Text1->geometry().right() < ui.pathFrame->width());
+        QVERIFY(ui.Frame1->geometry().right() <= paths.right() + 1);
         w->showNormal();
         QTRY_VERIFY(ui.Label8->isEnabled());
+        for (auto it = normal.cbegin(); it != normal.cend(); ++it)
+            QCOMPARE(it.key()->geometry(), it.value());
         QCOMPARE(pane(*w, 3)->width(), Twips::toPx(4800));
         QCOMPARE(ui.Text1->width(), Twips::toPx(7740));
         QCOMPARE(ui.playerFrame->x(), Twips::toPx(longVersion ? 30 : 165));

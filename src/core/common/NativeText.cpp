@@ -48,6 +48,15 @@ bool isAscii(std::string_view bytes)
     return true;
 }
 
+QString upperUnits(QStringView text)
+{
+    QString out(text.size(), Qt::Uninitialized);
+    QChar* d = out.data();
+    for (const QChar c : text)
+        *d++ = c.toUpper();
+    return out;
+}
+
 void appendDisplay(std::string_view bytes, QString& out)
 {
     if (isAscii(bytes)) {

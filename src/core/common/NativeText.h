@@ -31,6 +31,11 @@ QUrl fileUrl(const QString& displayPath);
 // True when every byte is below 0x80, the common case that needs no decoding.
 bool isAscii(std::string_view bytes);
 
+// The upper-case form names are compared by, in the walk's order and in searches: each UTF-16 unit mapped on
+// its own through its simple upper case, as NTFS's upper-case table does. No character turns into two, so "ß"
+// and "ﬁ" stay as they are rather than becoming "SS" and "FI".
+QString upperUnits(QStringView text);
+
 // Number of UTF-16 units `toDisplay` would produce.
 qsizetype displayLength(std::string_view bytes);
 

@@ -27,9 +27,17 @@ public:
     QString inText(QString text) const;
     static QByteArray native(const QString& displayPath);
 
+    // Why nothing may be written into the folder, or the empty text: no home folder, or a ~/Quillbox that is a
+    // symbolic link or another user's folder. A folder given to the constructor is never refused.
+    QString refusal() const;
+    // 76 (Path not found) when refused, else 0.
+    RuntimeError::Number check() const;
+
     // Creates the folder when nothing is there yet; the run-time error number, or 0.
     RuntimeError::Number ensureExists(FileOps& ops) const;
 
 private:
     QString m_path;
+    bool m_inHome = false; // the default folder, which must be the user's; a folder given explicitly is taken as is
+    bool m_noHome = false;
 };

@@ -4,6 +4,7 @@
 
 #include "common/RuntimeError.h"
 #include "export/NativePath.h"
+#include "export/TempFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -125,27 +126,22 @@ FileOps::Pending SystemFileOps::prepare(const QByteArray& path, const std::funct
             return pending;
         }
     }
-    // A short name of our own: the target's name plus a suffix could pass the file system's name limit.
-    QByteArray temp = parentOf(path) + Separator + ".quillary-XXXXXX";
-    const int fd = ::mkostemp(temp.data(), O_CLOEXEC);
+    // A short name of our own: the target's name plus a suffix could pass the file system's name limit. The
+    // descriptor stays open, and the file locked, until the file is put in place or thrown away.
+    QByteArray temp;
+    const int fd = TempFile::create(parentOf(path), temp);
     if (fd < 0) {
         pending.error = errorFor(errno, path);
         return pending;
     }
     ::fchmod(fd, creationMode());
     FdOutput out(fd);
-    bool ok = produce(out) && out.flush();
-    int err = out.error();
-    if (::close(fd) != 0 && ok) {
-        ok = false;
-        err = errno;
-    }
-    if (!ok) {
-        ::unlink(temp.constData());
-        pending.error = err ? errorFor(err, path) : RuntimeError::DeviceIO;
-        return pending;
-    }
     pending.temp = temp;
+    pending.fd = fd;
+    if (!(produce(out) && out.flush())) {
+        discard(pending);
+        pending.error = out.error() ? errorFor(out.error(), path) : RuntimeError::DeviceIO;
+    }
     return pending;
 }
 
@@ -153,20 +149,36 @@ RuntimeError::Number SystemFileOps::commit(Pending& pending)
 {
     if (pending.error != RuntimeError::None)
         return pending.error;
-    if (::rename(pending.temp.constData(), pending.path.constData()) != 0) {
-        const int err = errno;
+    int err = 0;
+    if (::close(pending.fd) != 0)
+        err = errno;
+    pending.fd = -1;
+    if (err == 0 && ::rename(pending.temp.constData(), pending.path.constData()) != 0)
+        err = errno;
+    if (err != 0) {
         discard(pending);
         return errorFor(err, pending.path);
     }
+    TempFile::forget(pending.temp);
     pending.temp.clear();
     return RuntimeError::None;
 }
 
 void SystemFileOps::discard(Pending& pending)
 {
-    if (!pending.temp.isEmpty())
+    if (pending.fd >= 0)
+        ::close(pending.fd);
+    pending.fd = -1;
+    if (!pending.temp.isEmpty()) {
         ::unlink(pending.temp.constData());
+        TempFile::forget(pending.temp);
+    }
     pending.temp.clear();
+}
+
+void SystemFileOps::removeStale(const QByteArray& folder)
+{
+    TempFile::removeStale(folder);
 }
 
 #else

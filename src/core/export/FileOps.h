@@ -35,6 +35,7 @@ public:
         QByteArray path;
         QByteArray temp;
         RuntimeError::Number error = RuntimeError::None; // what stopped the writing
+        int fd = -1; // the written file, held open (and locked) until commit or discard
     };
 
     // Writes what `produce` gives into a new file beside `path`; `path` itself is not touched yet. May run on
@@ -44,6 +45,9 @@ public:
     virtual RuntimeError::Number commit(Pending& pending) = 0;
     // Throws a prepared file away.
     virtual void discard(Pending& pending) = 0;
+
+    // Removes what earlier saves into `folder`, killed part-way, left behind; never a file a running save holds.
+    virtual void removeStale(const QByteArray& folder) { (void)folder; }
 
     // Writes `path` anew: a failure never leaves a half-written file where a good one stood.
     RuntimeError::Number writeFile(const QByteArray& path, const std::function<bool(Output&)>& produce);
@@ -57,4 +61,7 @@ public:
     Pending prepare(const QByteArray& path, const std::function<bool(Output&)>& produce) override;
     RuntimeError::Number commit(Pending& pending) override;
     void discard(Pending& pending) override;
+#ifndef _WIN32
+    void removeStale(const QByteArray& folder) override;
+#endif
 };

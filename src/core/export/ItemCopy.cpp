@@ -4,6 +4,7 @@
 
 #include "common/RuntimeError.h"
 #include "export/NativePath.h"
+#include "export/TempFile.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -11,7 +12,9 @@
 #include <QFileInfo>
 #include <vector>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include <filesystem>
+#else
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
@@ -61,6 +64,16 @@ int pump(int in, int out)
     }
 }
 
+mode_t currentUmask()
+{
+    static const mode_t mask = [] {
+        const mode_t m = ::umask(0);
+        ::umask(m);
+        return m;
+    }();
+    return mask;
+}
+
 } // namespace
 
 bool fileExists(const QByteArray& path)
@@ -69,80 +82,104 @@ bool fileExists(const QByteArray& path)
     return ::lstat(path.constData(), &st) == 0 && !S_ISDIR(st.st_mode);
 }
 
-RuntimeError::Number removeFile(const QByteArray& path)
+namespace {
+
+bool sameFile(const struct stat& a, const struct stat& b)
 {
-    struct stat st;
-    if (::lstat(path.constData(), &st) == 0 && S_ISDIR(st.st_mode))
-        return RuntimeError::PathFileAccess;
-    return ::unlink(path.constData()) == 0 ? RuntimeError::None : errorFor(errno, path);
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
+
+// A link is copied as a link, never followed (as the walk lists it).
+RuntimeError::Number copyLink(const QByteArray& source, const struct stat& st, const QByteArray& target)
+{
+    QByteArray link(qsizetype(st.st_size) + 1, '\0');
+    const ssize_t n = ::readlink(source.constData(), link.data(), size_t(link.size()));
+    if (n < 0)
+        return errorFor(errno, source);
+    link.truncate(n);
+    QByteArray temp;
+    const int probe = TempFile::create(parentOf(target), temp); // a unique name; the link takes its place
+    if (probe < 0)
+        return errorFor(errno, target);
+    ::unlink(temp.constData());
+    ::close(probe);
+    int err = ::symlink(link.constData(), temp.constData()) == 0 ? 0 : errno;
+    if (err == 0) {
+        const timespec times[2] = {st.st_atim, st.st_mtim};
+        ::utimensat(AT_FDCWD, temp.constData(), times, AT_SYMLINK_NOFOLLOW);
+        if (::rename(temp.constData(), target.constData()) != 0) {
+            err = errno;
+            ::unlink(temp.constData());
+        }
+    }
+    TempFile::forget(temp);
+    return err == 0 ? RuntimeError::None : errorFor(err, target);
+}
+
+} // namespace
 
 RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target)
 {
-    struct stat st;
+    struct stat st, tst;
     if (::lstat(source.constData(), &st) != 0)
         return errorFor(errno, source);
     if (S_ISDIR(st.st_mode))
         return RuntimeError::PathFileAccess;
-    if (S_ISLNK(st.st_mode)) {
-        // A link is copied as a link, never followed (as the walk lists it).
-        QByteArray link(qsizetype(st.st_size) + 1, '\0');
-        const ssize_t n = ::readlink(source.constData(), link.data(), size_t(link.size()));
-        if (n < 0)
-            return errorFor(errno, source);
-        link.truncate(n);
-        QByteArray temp = parentOf(target) + Separator + ".quillary-link-XXXXXX";
-        const int probe = ::mkstemp(temp.data()); // a unique name; the link takes its place
-        if (probe < 0)
-            return errorFor(errno, target);
-        ::close(probe);
-        ::unlink(temp.constData());
-        if (::symlink(link.constData(), temp.constData()) != 0)
-            return errorFor(errno, target);
-        if (::rename(temp.constData(), target.constData()) != 0) {
-            const int err = errno;
-            ::unlink(temp.constData());
-            return errorFor(err, target);
-        }
+    // Copying a file onto itself (the collection folder listed, one of its files saved into it) has nothing to
+    // do; writing a copy and renaming it over the file would change what the user has for no gain.
+    if (::lstat(target.constData(), &tst) == 0 && sameFile(st, tst))
         return RuntimeError::None;
-    }
+    if (S_ISLNK(st.st_mode))
+        return copyLink(source, st, target);
     if (!S_ISREG(st.st_mode))
-        return RuntimeError::PathFileAccess; // a pipe, socket or device has no content to copy
-    struct stat tst;
+        return RuntimeError::PathFileAccess; // a pipe, socket or device has no content to copy, and is never opened
     if (::stat(target.constData(), &tst) == 0 && S_ISDIR(tst.st_mode))
         return RuntimeError::PathFileAccess;
 
-    const int in = ::open(source.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    // Non-blocking, and checked to be the file looked at above: a pipe put in its place meanwhile must not hang
+    // the copy.
+    const int in = ::open(source.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (in < 0)
         return errorFor(errno, source);
-    QByteArray temp = parentOf(target) + Separator + ".quillary-XXXXXX";
-    const int out = ::mkostemp(temp.data(), O_CLOEXEC);
+    struct stat opened;
+    if (::fstat(in, &opened) != 0 || !S_ISREG(opened.st_mode) || !sameFile(st, opened)) {
+        ::close(in);
+        return RuntimeError::PathFileAccess;
+    }
+    // The old target stays as it is until the new copy is complete and renamed over it.
+    QByteArray temp;
+    const int out = TempFile::create(parentOf(target), temp);
     if (out < 0) {
         const int err = errno;
         ::close(in);
         return errorFor(err, target);
     }
     int err = pump(in, out);
-    ::fchmod(out, st.st_mode & 07777);
+    // Without the set-user-ID, set-group-ID and sticky bits, as a plain cp does: a copy made by root must not
+    // hand another user's program root's rights. The modification time stays the source's: users compare copies
+    // by date.
+    ::fchmod(out, opened.st_mode & 0777 & ~currentUmask());
+    const timespec times[2] = {opened.st_atim, opened.st_mtim};
+    if (err == 0 && ::futimens(out, times) != 0)
+        err = errno;
     ::close(in);
     if (::close(out) != 0 && err == 0)
         err = errno;
     if (err == 0 && ::rename(temp.constData(), target.constData()) != 0)
         err = errno;
-    if (err != 0) {
+    if (err != 0)
         ::unlink(temp.constData());
-        return errorFor(err, target);
-    }
-    return RuntimeError::None;
+    TempFile::forget(temp);
+    return err == 0 ? RuntimeError::None : errorFor(err, target);
 }
 
 // The files of a folder copy, source and target, with the target's folders made already.
 static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb,
-                                      TreeOutcome& outcome)
+                                      TreeOutcome& outcome, std::vector<CopyPair>& folders)
 {
     using Pair = CopyPair;
     // First the folders and files to copy, so the progress window can show how far it has got.
-    std::vector<Pair> folders, files;
+    std::vector<Pair> files;
     QByteArray base = source;
     while (base.size() > 1 && base.endsWith(Separator))
         base.chop(1);
@@ -183,6 +220,18 @@ static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray
     return files;
 }
 
+// Once their files are in, the copied folders take their sources' modification times.
+static void keepFolderTimes(const std::vector<CopyPair>& folders)
+{
+    for (auto it = folders.rbegin(); it != folders.rend(); ++it) {
+        struct stat st;
+        if (::stat(it->from.constData(), &st) == 0) {
+            const timespec times[2] = {st.st_atim, st.st_mtim};
+            ::utimensat(AT_FDCWD, it->to.constData(), times, 0);
+        }
+    }
+}
+
 #else
 
 // Windows: the same contract through Qt's file classes.
@@ -190,16 +239,6 @@ bool fileExists(const QByteArray& path)
 {
     const QFileInfo info(QString::fromUtf8(path));
     return info.exists() && !info.isDir();
-}
-
-RuntimeError::Number removeFile(const QByteArray& path)
-{
-    const QFileInfo info(QString::fromUtf8(path));
-    if (!info.exists() && !info.isSymLink())
-        return RuntimeError::FileNotFound;
-    if (info.isDir())
-        return RuntimeError::PathFileAccess;
-    return QFile::remove(info.filePath()) ? RuntimeError::None : RuntimeError::PathFileAccess;
 }
 
 RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target)
@@ -213,13 +252,16 @@ RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target
     QFile::remove(temp);
     if (!QFile::copy(from, temp))
         return RuntimeError::PathFileAccess;
-    QFile::remove(to);
-    return QFile::rename(temp, to) ? RuntimeError::None : RuntimeError::PathFileAccess;
+    std::error_code ec; // replaces the target in one step; the old one stays until then
+    std::filesystem::rename(std::filesystem::path(temp.toStdWString()), std::filesystem::path(to.toStdWString()), ec);
+    if (ec)
+        QFile::remove(temp);
+    return ec ? RuntimeError::PathFileAccess : RuntimeError::None;
 }
 
 // The files of a folder copy, source and target, with the target's folders made already.
 static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb,
-                                      TreeOutcome& outcome)
+                                      TreeOutcome& outcome, std::vector<CopyPair>&)
 {
     const QDir src(QString::fromUtf8(source));
     const QString root = QString::fromUtf8(destination) + QLatin1Char('/') + src.dirName();
@@ -244,25 +286,28 @@ static std::vector<CopyPair> planTree(const QByteArray& source, const QByteArray
     return files;
 }
 
+static void keepFolderTimes(const std::vector<CopyPair>&) {}
+
 #endif
 
 TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& cb)
 {
     TreeOutcome outcome;
-    const std::vector<CopyPair> files = planTree(source, destination, cb, outcome);
+    std::vector<CopyPair> folders;
+    const std::vector<CopyPair> files = planTree(source, destination, cb, outcome, folders);
     bool replaceAll = false;
     const qint64 total = qint64(files.size());
     for (qint64 k = 0; k < total; ++k) {
         const CopyPair& f = files[size_t(k)];
         if (cb.progress && !cb.progress(k, total, f.from)) {
             outcome.cancelled = true;
-            return outcome;
+            break;
         }
         if (fileExists(f.to) && !replaceAll) {
             const Reply reply = cb.confirmReplace ? cb.confirmReplace(f.to) : Reply::Yes;
             if (reply == Reply::Cancel) {
                 outcome.cancelled = true;
-                return outcome;
+                break;
             }
             if (reply == Reply::No) {
                 ++outcome.skipped;
@@ -278,7 +323,8 @@ TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, co
         }
         ++outcome.copied;
     }
-    if (cb.progress)
+    keepFolderTimes(folders);
+    if (cb.progress && !outcome.cancelled)
         cb.progress(total, total, {});
     return outcome;
 }

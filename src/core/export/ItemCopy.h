@@ -11,14 +11,13 @@
 // at the end, so no half-written file is ever left under the target's name. Paths are native bytes.
 namespace ItemCopy {
 
-// Copies one file to `target`, replacing a file already there; the run-time error number, or 0.
+// Copies one file to `target`, replacing a file already there; the run-time error number, or 0. A failure leaves
+// the old target exactly as it was; a source that is the target itself is left alone and counts as copied. The
+// copy keeps the source's modification time and permissions, without set-user-ID, set-group-ID or sticky bits.
 RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target);
 
 // True when `path` names a file (not a folder) that exists.
 bool fileExists(const QByteArray& path);
-
-// Deletes the file `path`; the run-time error number, or 0.
-RuntimeError::Number removeFile(const QByteArray& path);
 
 enum class Reply { Yes, YesToAll, No, Cancel };
 
@@ -41,7 +40,8 @@ struct TreeOutcome
 };
 
 // Copies the folder `source`, with everything under it, into `destination` (as destination/name-of-source),
-// merging with what is there. Links are copied as links; pipes, sockets and devices are not copied.
+// merging with what is there. Links are copied as links; pipes, sockets and devices are not copied, nor opened.
+// The copied folders keep their modification times.
 TreeOutcome copyTree(const QByteArray& source, const QByteArray& destination, const TreeCallbacks& callbacks);
 
 } // namespace ItemCopy

@@ -41,7 +41,7 @@ Answer SaveFlow::askReplace(const QString& path)
 
 // The one error handler of a save, looking at the number in a fixed order: a bad name gets its own box and
 // then the numbered box as well; an access error gets its advice; anything else its number and description.
-void SaveFlow::reportError(RuntimeError::Number error, Outcome& outcome)
+void SaveFlow::reportError(RuntimeError::Number error, Outcome& outcome, const QString& reason)
 {
     outcome.error = error;
     if (error == RuntimeError::PathNotFound)
@@ -52,8 +52,10 @@ void SaveFlow::reportError(RuntimeError::Number error, Outcome& outcome)
             MessageStyle::Exclamation);
         return;
     }
-    m_messages.message(QString::number(error) + QStringLiteral("\r\n") + RuntimeError::description(error),
-                       MessageStyle::Plain);
+    QString description = RuntimeError::description(error);
+    if (!reason.isEmpty())
+        description += QStringLiteral(" (") + reason + QLatin1Char(')');
+    m_messages.message(QString::number(error) + QStringLiteral("\r\n") + description, MessageStyle::Plain);
 }
 
 void SaveFlow::writingLabel(const QString& caption, bool visible)
@@ -110,9 +112,10 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
     const bool isSet = kind == Kind::Set;
 
     if (const RuntimeError::Number error = m_folder.ensureExists(m_ops)) {
-        reportError(error, outcome);
+        reportError(error, outcome, m_folder.refusal());
         return outcome;
     }
+    m_ops.removeStale(m_folder.nativePath());
 
     using L = ScanResult::List;
     const ScanResult* r = src.result;
@@ -166,9 +169,11 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
     for (const Planned& p : plan)
         byNumber.push_back(&p);
     std::sort(byNumber.begin(), byNumber.end(), [](auto* a, auto* b) { return a->number < b->number; });
-    bool allExist = true;
+    bool allExist = !m_replaceExisting; // the lister settles replacing before it walks, and is asked nothing
     int leftOpen = 0;
     for (const Planned* p : byNumber) {
+        if (m_replaceExisting)
+            break;
         const RuntimeError::Number error = m_ops.probe(CollectionFolder::native(p->path));
         if (error == RuntimeError::FileNotFound) {
             allExist = false;

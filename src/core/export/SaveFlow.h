@@ -49,6 +49,10 @@ public:
     // The day the Date line names; today unless a test says otherwise.
     void setClock(std::function<QDate()> today) { m_today = std::move(today); }
 
+    // No existence test and no question: every file is written, replacing what is there. For the headless
+    // lister, which refuses or replaces existing files before it walks.
+    void setReplaceExisting(bool replace) { m_replaceExisting = replace; }
+
     Outcome run(Kind kind, const SaveSources& sources);
 
     static QString namePrompt() { return QStringLiteral("Write a valid file name:"); }
@@ -61,7 +65,8 @@ private:
         ListingFile file;
     };
 
-    void reportError(RuntimeError::Number error, Outcome& outcome);
+    // `reason` follows the error's description when the collection folder itself was refused.
+    void reportError(RuntimeError::Number error, Outcome& outcome, const QString& reason = {});
     void writingLabel(const QString& caption, bool visible);
     bool writeAll(const std::vector<Planned>& files, Outcome& outcome);
     Answer askReplace(const QString& path);
@@ -72,4 +77,5 @@ private:
     CollectionFolder m_folder;
     std::function<QDate()> m_today;
     WritingLabel m_writingLabel;
+    bool m_replaceExisting = false;
 };

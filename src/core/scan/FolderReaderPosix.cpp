@@ -2,7 +2,9 @@
 
 #include "FolderReader.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <dirent.h>
@@ -10,16 +12,23 @@
 #include <fstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #ifdef __linux__
+#include <linux/openat2.h>
 #include <sys/syscall.h>
+#include <sys/sysmacros.h>
 #endif
 
 namespace {
 
-// Beyond this length a folder is opened relative to its parent's descriptor instead of by path, so trees whose
-// paths pass PATH_MAX are still read.
+// Beyond this length a folder is opened relative to its parent instead of by path, so trees whose paths pass
+// PATH_MAX are still read.
 constexpr std::size_t LongPath = 3000;
+// The longest run of names opened in one call when a deep folder is reached again; below PATH_MAX.
+constexpr std::size_t ChunkBytes = 3800;
+
+const int DirFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 #ifdef __linux__
 struct Dirent64
@@ -31,23 +40,18 @@ struct Dirent64
     char d_name[1];
 };
 
-// Mount points strictly below `start`, from the kernel's table (octal escapes as in "/media/my\040disk").
-void loadMountPoints(const QByteArray& start, FolderReader::Start& shared)
+// Mount points strictly below `startPath`, from the kernel's table (octal escapes as in "/media/my\040disk").
+void loadMountPoints(const QByteArray& startPath, FolderReader::Start& start)
 {
     std::ifstream in("/proc/self/mountinfo");
     if (!in)
         return;
-    shared.mountsKnown = true;
-    // The table names mount points by their real paths; the walk builds paths on the start folder as given,
-    // which may lead there through a link.
-    const auto withSeparator = [](std::string p) {
-        if (p.empty() || p.back() != FolderReader::Separator)
-            p.push_back(FolderReader::Separator);
-        return p;
-    };
-    const std::string given = withSeparator(std::string(start.constData(), size_t(start.size())));
+    start.mountsBelow = false;
+    // The table names mount points by their real paths; the start folder may be reached through a link.
     char real[PATH_MAX];
-    const std::string prefix = withSeparator(::realpath(start.constData(), real) ? std::string(real) : given);
+    std::string prefix = ::realpath(startPath.constData(), real) ? std::string(real) : startPath.toStdString();
+    if (prefix.empty() || prefix.back() != FolderReader::Separator)
+        prefix.push_back(FolderReader::Separator);
     std::string line;
     while (std::getline(in, line)) {
         // id parent major:minor root mount-point ...
@@ -67,12 +71,33 @@ void loadMountPoints(const QByteArray& start, FolderReader::Start& shared)
                 point.push_back(raw[i]);
             }
         }
-        if (point.size() > prefix.size() && point.compare(0, prefix.size(), prefix) == 0)
-            shared.mountPoints.insert(given + point.substr(prefix.size()));
+        if (point.size() <= prefix.size() || point.compare(0, prefix.size(), prefix) != 0)
+            continue;
+        start.mountsBelow = true;
+        struct stat st;
+        if (::stat(point.c_str(), &st) == 0)
+            start.mountRoots.emplace(std::uint64_t(st.st_dev), std::uint64_t(st.st_ino));
     }
+}
+
+long openDescriptors()
+{
+    DIR* dir = ::opendir("/proc/self/fd");
+    if (!dir)
+        return 32;
+    long n = 0;
+    while (::readdir(dir))
+        ++n;
+    ::closedir(dir);
+    return n - 3; // ".", ".." and the one opendir holds
 }
 #else
 void loadMountPoints(const QByteArray&, FolderReader::Start&) {}
+
+long openDescriptors()
+{
+    return 32;
+}
 #endif
 
 bool isDotOrDotDot(const char* name)
@@ -80,8 +105,8 @@ bool isDotOrDotDot(const char* name)
     return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
 }
 
-// Calls `take(name, d_type)` for each entry but "." and ".."; false when the folder cannot be listed.
-template <typename Take> bool forEachEntry(int dfd, [[maybe_unused]] std::vector<char>& buffer, Take&& take)
+// Calls `take(name, d_type)` for each entry but "." and ".."; returns 0, or the error that stopped the listing.
+template <typename Take> int forEachEntry(int dfd, [[maybe_unused]] std::vector<char>& buffer, Take&& take)
 {
 #ifdef __linux__
     // getdents64 straight on our descriptor: no second descriptor and no DIR stream to set up per folder.
@@ -90,10 +115,10 @@ template <typename Take> bool forEachEntry(int dfd, [[maybe_unused]] std::vector
         if (n < 0) {
             if (errno == EINTR)
                 continue;
-            return false;
+            return errno;
         }
         if (n == 0)
-            return true;
+            return 0;
         for (long off = 0; off < n;) {
             const auto* d = reinterpret_cast<const Dirent64*>(buffer.data() + off);
             if (!isDotOrDotDot(d->d_name))
@@ -105,16 +130,57 @@ template <typename Take> bool forEachEntry(int dfd, [[maybe_unused]] std::vector
     const int listFd = ::dup(dfd); // fdopendir takes its descriptor; ours stays for stat and openat
     DIR* dir = listFd >= 0 ? ::fdopendir(listFd) : nullptr;
     if (!dir) {
+        const int error = errno;
         if (listFd >= 0)
             ::close(listFd);
-        return false;
+        return error;
     }
     while (const dirent* d = ::readdir(dir))
         if (!isDotOrDotDot(d->d_name))
             take(d->d_name, d->d_type);
     ::closedir(dir);
-    return true;
+    return 0;
 #endif
+}
+
+// What the walk needs to know of one entry.
+struct EntryInfo
+{
+    bool dir;
+    bool hasMountId;
+    std::uint64_t size, device, inode, mountId;
+    std::int64_t mtime; // seconds since 1970 UTC
+};
+
+// `follow`: the entry may be a link to follow (only the start folder may).
+bool statEntry(int dfd, const char* name, bool wantMountId, EntryInfo& info, bool follow = false)
+{
+#ifdef __linux__
+    struct statx sx;
+    const unsigned mask = STATX_TYPE | STATX_SIZE | STATX_INO | STATX_MTIME | (wantMountId ? STATX_MNT_ID : 0);
+    if (::statx(dfd, name, (follow ? 0 : AT_SYMLINK_NOFOLLOW) | AT_NO_AUTOMOUNT, mask, &sx) == 0) {
+        info.dir = S_ISDIR(sx.stx_mode);
+        info.size = sx.stx_size;
+        info.mtime = std::int64_t(sx.stx_mtime.tv_sec);
+        info.device = std::uint64_t(makedev(sx.stx_dev_major, sx.stx_dev_minor));
+        info.inode = sx.stx_ino;
+        info.hasMountId = (sx.stx_mask & STATX_MNT_ID) != 0;
+        info.mountId = sx.stx_mnt_id;
+        return true;
+    }
+    if (errno != ENOSYS)
+        return false;
+#endif
+    struct stat st;
+    if (::fstatat(dfd, name, &st, follow ? 0 : AT_SYMLINK_NOFOLLOW) != 0)
+        return false;
+    info.dir = S_ISDIR(st.st_mode);
+    info.size = std::uint64_t(st.st_size);
+    info.mtime = std::int64_t(st.st_mtime);
+    info.device = std::uint64_t(st.st_dev);
+    info.inode = std::uint64_t(st.st_ino);
+    info.hasMountId = false;
+    return true;
 }
 
 DirState failedState(int error)
@@ -122,107 +188,234 @@ DirState failedState(int error)
     return (error == ENOENT || error == ENOTDIR || error == ELOOP) ? DirState::Vanished : DirState::Unreadable;
 }
 
+// Descriptors may run out for a moment when the rest of the program holds many: wait a little for them to come
+// back rather than give a folder up.
+template <typename Open> int openPatiently(Open&& open)
+{
+    for (int tries = 0;; ++tries) {
+        const int fd = open();
+        if (fd >= 0 || (errno != EMFILE && errno != ENFILE) || tries == 2000)
+            return fd;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+// Opens `relative`, a run of names below `dfd`, without following a link or leaving the file system.
+int openBelow(int dfd, std::string& relative)
+{
+#if defined(__linux__) && defined(SYS_openat2)
+    open_how how{};
+    how.flags = std::uint64_t(DirFlags);
+    how.resolve = RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV;
+    const int fd = openPatiently([&] { return int(::syscall(SYS_openat2, dfd, relative.c_str(), &how, sizeof how)); });
+    if (fd >= 0 || errno != ENOSYS)
+        return fd;
+#endif
+    // One name at a time, each refusing a link.
+    int at = dfd;
+    for (std::size_t begin = 0; begin < relative.size();) {
+        std::size_t end = relative.find(FolderReader::Separator, begin);
+        if (end == std::string::npos)
+            end = relative.size();
+        if (end < relative.size())
+            relative[end] = '\0';
+        const int next = openPatiently([&] { return ::openat(at, relative.c_str() + begin, DirFlags); });
+        const int error = errno;
+        if (end < relative.size())
+            relative[end] = FolderReader::Separator;
+        if (at != dfd)
+            ::close(at);
+        if (next < 0) {
+            errno = error;
+            return -1;
+        }
+        at = next;
+        begin = end + 1;
+    }
+    return at;
+}
+
 } // namespace
 
-void FolderReader::prepare(const QByteArray& startPath, Start& start)
+void FolderReader::prepare(const QByteArray& startPath, int readers, Start& start)
 {
+    // Deep folders hold descriptors while they wait to be read; the more there are, the fewer are reopened.
     struct rlimit lim;
     if (::getrlimit(RLIMIT_NOFILE, &lim) == 0 && lim.rlim_cur < lim.rlim_max) {
-        lim.rlim_cur = lim.rlim_max; // deep trees keep a descriptor per pending folder
+        lim.rlim_cur = lim.rlim_max;
         ::setrlimit(RLIMIT_NOFILE, &lim);
     }
-    struct stat st;
-    if (::stat(startPath.constData(), &st) == 0)
-        start.device = std::uint64_t(st.st_dev);
+    long limit = 1024;
+    if (::getrlimit(RLIMIT_NOFILE, &lim) == 0)
+        limit = lim.rlim_cur == RLIM_INFINITY ? (1L << 20) : long(std::min<rlim_t>(lim.rlim_cur, 1L << 20));
+    // Each reader holds at most four at once of its own; half of what is left over goes to pending folders.
+    const long free = limit - openDescriptors() - 4L * readers - 8;
+    start.spareDescriptors = std::max(0L, free / 2);
+
+    EntryInfo info;
+    if (statEntry(AT_FDCWD, startPath.constData(), true, info, true)) {
+        start.device = info.device;
+        start.mountIds = info.hasMountId;
+        start.mountId = info.mountId;
+    }
     loadMountPoints(startPath, start);
 }
 
-void FolderReader::release(FolderPlace& place)
-{
-    if (place.fd >= 0)
-        ::close(place.fd);
-    place.fd = -1;
-}
-
-FolderReader::FolderReader(const Start& start) : m_start(start)
-{
-#ifdef __linux__
-    m_dents.resize(64 * 1024);
-#endif
-}
+FolderReader::FolderReader(Start& start) : m_start(start), m_dents(64 * 1024) {}
 
 FolderReader::~FolderReader()
 {
     close();
+    if (m_parentFd >= 0)
+        ::close(m_parentFd);
 }
 
 void FolderReader::close()
 {
-    if (m_fd >= 0)
+    if (m_fd >= 0) {
         ::close(m_fd);
+        if (m_fdWasSpare)
+            m_start.spareDescriptors.fetch_add(1, std::memory_order_relaxed);
+    }
     m_fd = -1;
+    m_fdWasSpare = false;
 }
 
-bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state, Sink& sink)
+void FolderReader::release(FolderPlace& place)
 {
-    // Links below the start folder are never followed; the start folder itself may be reached through one.
-    const int follow = isStart ? 0 : O_NOFOLLOW;
-    m_fd = place.fd >= 0 ? place.fd : ::open(place.path.c_str(), O_RDONLY | O_DIRECTORY | follow | O_CLOEXEC);
+    if (place.fd >= 0) {
+        ::close(place.fd);
+        m_start.spareDescriptors.fetch_add(1, std::memory_order_relaxed);
+    }
+    place.fd = -1;
+}
+
+int FolderReader::openChain(const FolderLink& link)
+{
+    std::vector<const FolderLink*> chain;
+    for (const FolderLink* l = &link; l; l = l->parent.get())
+        chain.push_back(l);
+    std::reverse(chain.begin(), chain.end());
+    int fd = openPatiently([&] { return ::open(chain.front()->name.c_str(), DirFlags); });
+    for (std::size_t k = 1; k < chain.size() && fd >= 0;) {
+        m_chunk.clear();
+        do {
+            if (!m_chunk.empty())
+                m_chunk.push_back(Separator);
+            m_chunk.append(chain[k]->name);
+            ++k;
+        } while (k < chain.size() && m_chunk.size() + 1 + chain[k]->name.size() <= ChunkBytes);
+        const int next = openBelow(fd, m_chunk);
+        const int error = errno;
+        ::close(fd);
+        errno = error;
+        fd = next;
+    }
+    return fd;
+}
+
+int FolderReader::reopen(const std::shared_ptr<const FolderLink>& link)
+{
+    const std::shared_ptr<const FolderLink>& parent = link->parent;
+    if (!parent)
+        return openChain(*link);
+    if (parent != m_parentLink) {
+        if (m_parentFd >= 0)
+            ::close(m_parentFd);
+        m_parentLink.reset();
+        m_parentFd = openChain(*parent);
+        if (m_parentFd < 0)
+            return -1;
+        m_parentLink = parent;
+    }
+    return openPatiently([&] { return ::openat(m_parentFd, link->name.c_str(), DirFlags); });
+}
+
+bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state, int& error, Sink& sink)
+{
+    if (place.fd >= 0) {
+        m_fd = place.fd;
+        m_fdWasSpare = true;
+    } else if (place.link) {
+        m_fd = reopen(place.link);
+    } else {
+        // Links below the start folder are never followed; the start folder itself may be reached through one.
+        const int flags = isStart ? DirFlags & ~O_NOFOLLOW : DirFlags;
+        m_fd = openPatiently([&] { return ::open(place.path.c_str(), flags); });
+    }
     if (m_fd < 0) {
-        state = failedState(errno);
+        error = errno;
+        state = failedState(error);
         return false;
     }
     const int dfd = m_fd;
-    const auto isMountPoint = [&](const char* name) {
-        if (m_start.mountPoints.empty())
-            return false;
-        if (place.path.empty()) { // deep enough to have no path: ask the file system
-            struct stat st;
-            return ::fstatat(dfd, name, &st, AT_SYMLINK_NOFOLLOW) == 0 && std::uint64_t(st.st_dev) != m_start.device;
-        }
-        std::string p = place.path;
-        if (p.back() != Separator)
-            p.push_back(Separator);
-        p.append(name);
-        return m_start.mountPoints.count(p) != 0;
-    };
-    const bool listed = forEachEntry(dfd, m_dents, [&](const char* n, unsigned char type) {
-        if (type == DT_DIR && m_start.mountsKnown) {
-            // A folder needs no stat of its own: its size is what is below it, and whether it is a mount
-            // point the mount table says.
-            sink.add(n, 0, true, isMountPoint(n));
+    struct stat self;
+    sink.folderTime(::fstat(dfd, &self) == 0 ? std::int64_t(self.st_mtime) : LLONG_MIN);
+    const bool checkMounts = m_start.mountsBelow;
+    const int listError = forEachEntry(dfd, m_dents, [&](const char* n, unsigned char type) {
+        if (type == DT_DIR && !checkMounts) {
+            // A folder needs no stat of its own: its size is what is below it, and no mount point lies below
+            // the start folder.
+            sink.add(n, 0, LLONG_MIN, true, false);
             return;
         }
-        struct stat st;
-        if (::fstatat(dfd, n, &st, AT_SYMLINK_NOFOLLOW) != 0) {
+        EntryInfo info;
+        if (!statEntry(dfd, n, checkMounts, info)) {
             if (errno == ENOENT)
                 return; // gone since the folder was listed
             // Listed but not searchable: the entry is there, its details are not.
-            sink.add(n, 0, type == DT_DIR, false);
+            sink.add(n, 0, LLONG_MIN, type == DT_DIR, false);
             return;
         }
-        const bool isDir = S_ISDIR(st.st_mode);
-        sink.add(n, isDir ? 0 : std::uint64_t(st.st_size), isDir, isDir && std::uint64_t(st.st_dev) != m_start.device);
+        bool otherMount = false;
+        if (info.dir)
+            otherMount = info.hasMountId && m_start.mountIds
+                             ? info.mountId != m_start.mountId
+                             : info.device != m_start.device || m_start.mountRoots.count({info.device, info.inode});
+        sink.add(n, info.dir ? 0 : info.size, info.mtime, info.dir, otherMount);
     });
-    if (!listed)
+    if (listError != 0) {
         state = DirState::Unreadable; // listed by its parent, but nothing in it can be read
+        error = listError;
+    }
     return true;
 }
 
-void FolderReader::openChild(const FolderPlace& parent, std::string_view name, FolderPlace& child, DirState& state)
+void FolderReader::openChild(const FolderPlace& parent, std::string_view name, FolderPlace& child, DirState& state,
+                             int& error)
 {
-    const bool parentIsLong = parent.fd >= 0 && parent.path.empty();
-    const std::size_t len = parent.path.size() + 1 + name.size();
-    if (!parentIsLong && len < LongPath) {
+    const bool rootSeparator = !parent.path.empty() && parent.path.back() == Separator;
+    const std::size_t len = parent.path.size() + (rootSeparator ? 0 : 1) + name.size();
+    if (!parent.link && len < LongPath) {
         child.path.reserve(len);
         child.path = parent.path;
-        if (child.path.empty() || child.path.back() != Separator)
+        if (!rootSeparator)
             child.path.push_back(Separator);
         child.path.append(name);
         return;
     }
+    auto link = std::make_shared<FolderLink>();
+    link->parent = parent.link;
+    if (!parent.link) {
+        link->name = parent.path;
+        if (!rootSeparator)
+            link->name.push_back(Separator);
+    }
+    link->name.append(name);
+    child.link = std::move(link);
+
+    // Held while spare descriptors last; once they run out the folder is opened again when its turn comes.
+    if (m_start.spareDescriptors.fetch_sub(1, std::memory_order_relaxed) <= 0) {
+        m_start.spareDescriptors.fetch_add(1, std::memory_order_relaxed);
+        return;
+    }
     const std::string n(name);
-    child.fd = ::openat(m_fd, n.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (child.fd < 0)
-        state = failedState(errno);
+    child.fd = ::openat(m_fd, n.c_str(), DirFlags);
+    if (child.fd >= 0)
+        return;
+    m_start.spareDescriptors.fetch_add(1, std::memory_order_relaxed);
+    if (errno == EMFILE || errno == ENFILE)
+        return;
+    error = errno;
+    state = failedState(error);
 }

@@ -5,19 +5,20 @@
 #include "common/NativeText.h"
 
 #include <QString>
+#include <chrono>
 #include <filesystem>
 
-void FolderReader::prepare(const QByteArray&, Start&) {}
+void FolderReader::prepare(const QByteArray&, int, Start&) {}
 
-void FolderReader::release(FolderPlace&) {}
-
-FolderReader::FolderReader(const Start& start) : m_start(start) {}
+FolderReader::FolderReader(Start& start) : m_start(start) {}
 
 FolderReader::~FolderReader() = default;
 
 void FolderReader::close() {}
 
-bool FolderReader::list(const FolderPlace& place, bool, DirState& state, Sink& sink)
+void FolderReader::release(FolderPlace&) {}
+
+bool FolderReader::list(const FolderPlace& place, bool, DirState& state, int& error, Sink& sink)
 {
     namespace fs = std::filesystem;
     const QString display = NativeText::toDisplay(place.path);
@@ -26,7 +27,17 @@ bool FolderReader::list(const FolderPlace& place, bool, DirState& state, Sink& s
     fs::directory_iterator it(dirPath, ec);
     if (ec) {
         state = ec == std::errc::no_such_file_or_directory ? DirState::Vanished : DirState::Unreadable;
+        error = ec.value();
         return false;
+    }
+    {
+        std::error_code e2;
+        const auto written = fs::last_write_time(dirPath, e2);
+        sink.folderTime(
+            e2 ? LLONG_MIN
+               : std::int64_t(std::chrono::duration_cast<std::chrono::seconds>(
+                                  std::chrono::clock_cast<std::chrono::system_clock>(written).time_since_epoch())
+                                  .count()));
     }
     for (; it != fs::directory_iterator(); it.increment(ec)) {
         if (ec)
@@ -39,12 +50,19 @@ bool FolderReader::list(const FolderPlace& place, bool, DirState& state, Sink& s
             continue;
         const bool isDir = fs::is_directory(st) && !it->is_symlink(e2);
         const std::uint64_t size = isDir ? 0 : it->file_size(e2);
-        sink.add({name.constData(), size_t(name.size())}, e2 ? 0 : size, isDir, false);
+        const bool sized = !e2;
+        const auto written = it->last_write_time(e2);
+        const std::int64_t mtime =
+            e2 ? LLONG_MIN
+               : std::int64_t(std::chrono::duration_cast<std::chrono::seconds>(
+                                  std::chrono::clock_cast<std::chrono::system_clock>(written).time_since_epoch())
+                                  .count());
+        sink.add({name.constData(), size_t(name.size())}, sized ? size : 0, mtime, isDir, false);
     }
     return true;
 }
 
-void FolderReader::openChild(const FolderPlace& parent, std::string_view name, FolderPlace& child, DirState&)
+void FolderReader::openChild(const FolderPlace& parent, std::string_view name, FolderPlace& child, DirState&, int&)
 {
     child.path = parent.path;
     if (child.path.empty() || child.path.back() != Separator)

@@ -7,9 +7,12 @@
 
 #include "FolderReader.h"
 
+#include <QDateTime>
+#include <QElapsedTimer>
 #include <QString>
 #include <algorithm>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -22,12 +25,14 @@ struct RawDir
 {
     NameArena::Ref name = 0;
     std::uint64_t ownBytes = 0;
+    std::int64_t mtime = LLONG_MIN;
     std::uint64_t fileStart = 0;
     std::uint32_t fileCount = 0;
     std::uint32_t firstChild = 0;
     std::uint32_t childCount = 0;
     std::uint8_t worker = 0;
     DirState state = DirState::Pending;
+    std::uint16_t error = 0; // why an unreadable folder could not be read
 };
 
 // Folder records indexed by id, in chunks that never move, so workers can fill their own records while
@@ -60,8 +65,15 @@ void appendKey(std::string_view name, std::u16string& keys)
             keys.push_back(char16_t((c >= 'a' && c <= 'z') ? c - 32 : c));
         return;
     }
-    const QString upper = NativeText::toDisplay(name).toUpper();
+    const QString upper = NativeText::upperUnits(NativeText::toDisplay(name));
     keys.append(reinterpret_cast<const char16_t*>(upper.utf16()), size_t(upper.size()));
+}
+
+// Sizes add up without wrapping: a sum past 2^64 bytes stays at the largest size, which is too large to show and
+// so takes the overflow path of every other oversized folder.
+std::uint64_t addSize(std::uint64_t a, std::uint64_t b)
+{
+    return b > UINT64_MAX - a ? UINT64_MAX : a + b;
 }
 
 bool lessBytes(std::string_view a, std::string_view b)
@@ -82,6 +94,7 @@ struct Child
     NameArena::Ref name;
     DirState state; // Pending: to be read
     FolderPlace place;
+    int error = 0;
 };
 
 struct Shared
@@ -103,6 +116,7 @@ struct Entry
 {
     std::uint32_t nameOff, nameLen, keyOff, keyLen;
     std::uint64_t size;
+    std::int64_t mtime;
     bool dir;
     bool otherDevice;
 };
@@ -128,7 +142,7 @@ public:
             m_children.clear();
             const bool cancelled = m_shared.options.cancel && m_shared.options.cancel->load(std::memory_order_relaxed);
             if (cancelled) {
-                FolderReader::release(item.place);
+                m_reader.release(item.place);
             } else {
                 read(item);
             }
@@ -138,6 +152,7 @@ public:
     }
 
     std::vector<NameArena::Ref> files;
+    std::vector<ScanResult::Stat> fileStats; // beside `files`
 
 private:
     // Under the lock: give the children their ids and queue those to be read.
@@ -155,6 +170,7 @@ private:
             RawDir& d = m_shared.table[base + std::uint32_t(k)];
             d.name = c.name;
             d.state = c.state;
+            d.error = std::uint16_t(c.error);
             if (c.state == DirState::Pending) {
                 m_shared.stack.push_back(Item{base + std::uint32_t(k), std::move(c.place)});
                 ++queued;
@@ -170,7 +186,9 @@ private:
             m_shared.wake.notify_one();
     }
 
-    void add(std::string_view name, std::uint64_t size, bool dir, bool otherDevice) override
+    void folderTime(std::int64_t mtime) override { m_folderTime = mtime; }
+
+    void add(std::string_view name, std::uint64_t size, std::int64_t mtime, bool dir, bool otherDevice) override
     {
         Entry e;
         e.nameOff = std::uint32_t(m_pool.size());
@@ -180,6 +198,7 @@ private:
         appendKey(name, m_keys);
         e.keyLen = std::uint32_t(m_keys.size() - e.keyOff);
         e.size = size;
+        e.mtime = mtime;
         e.dir = dir;
         e.otherDevice = otherDevice;
         m_entries.push_back(e);
@@ -204,7 +223,12 @@ private:
         m_pool.clear();
         m_keys.clear();
         m_entries.clear();
-        if (!m_reader.list(item.place, item.id == 0, self.state, *this))
+        int error = 0;
+        m_folderTime = LLONG_MIN;
+        const bool opened = m_reader.list(item.place, item.id == 0, self.state, error, *this);
+        self.error = std::uint16_t(error);
+        self.mtime = m_folderTime;
+        if (!opened)
             return;
         std::vector<std::uint32_t>& order = m_order;
         order.resize(m_entries.size());
@@ -222,14 +246,15 @@ private:
             nameBytes += name.size() + (name.size() < 0x80 ? 1 : 2);
             if (!e.dir) {
                 files.push_back(m_names.add(name));
-                self.ownBytes += e.size;
+                fileStats.push_back({e.size, e.mtime});
+                self.ownBytes = addSize(self.ownBytes, e.size);
                 continue;
             }
             Child c{m_names.add(name), DirState::Pending, {}};
             if (e.otherDevice) {
                 c.state = DirState::NotEntered; // a mount point: listed, not entered
             } else {
-                m_reader.openChild(item.place, name, c.place, c.state);
+                m_reader.openChild(item.place, name, c.place, c.state, c.error);
             }
             m_children.push_back(std::move(c));
         }
@@ -252,6 +277,7 @@ private:
     std::vector<Entry> m_entries;
     std::vector<std::uint32_t> m_order;
     std::vector<Child> m_children;
+    std::int64_t m_folderTime = LLONG_MIN;
     FolderReader m_reader;
 };
 
@@ -367,15 +393,17 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     r.m_separator = FolderReader::Separator;
     r.m_startPath = start;
     r.m_carriedName = options.carry.lastName;
+    r.m_walkStartedAtMs = QDateTime::currentMSecsSinceEpoch();
+    QElapsedTimer clock;
+    clock.start();
 
     Shared shared(r.m_names, options);
     shared.table.ensure(1);
-    FolderReader::prepare(start, shared.start);
-    shared.stack.push_back(Item{0, {-1, start.toStdString()}});
-    shared.pending = 1;
-
     int threads = options.threads > 0 ? options.threads : int(std::thread::hardware_concurrency());
     threads = std::clamp(threads, 1, 16);
+    FolderReader::prepare(start, threads, shared.start);
+    shared.stack.push_back(Item{0, {-1, start.toStdString(), {}}});
+    shared.pending = 1;
     std::vector<std::unique_ptr<Worker>> workers;
     for (int k = 0; k < threads; ++k)
         workers.push_back(std::make_unique<Worker>(shared, std::uint8_t(k)));
@@ -391,8 +419,11 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     const std::uint32_t count = shared.nextId;
     DirTable& table = shared.table;
     std::vector<const std::vector<NameArena::Ref>*> files;
-    for (const auto& w : workers)
+    std::vector<const std::vector<ScanResult::Stat>*> fileStats;
+    for (const auto& w : workers) {
         files.push_back(&w->files);
+        fileStats.push_back(&w->fileStats);
+    }
 
     Assembler layout(table, options.flavour);
     layout.run();
@@ -408,7 +439,24 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
             parent[d.firstChild + c] = id;
     }
     for (std::uint32_t id = count; id-- > 1;)
-        total[parent[id]] += total[id];
+        total[parent[id]] = addSize(total[parent[id]], total[id]);
+
+    for (std::uint32_t id = 0; id < count; ++id) {
+        if (table[id].state != DirState::Unreadable)
+            continue;
+        std::vector<std::string_view> names;
+        for (std::uint32_t at = id; at != 0; at = parent[at])
+            names.push_back(r.m_names.get(table[at].name));
+        QByteArray path = start;
+        for (auto it = names.rbegin(); it != names.rend(); ++it) {
+            if (!path.endsWith(FolderReader::Separator))
+                path.append(FolderReader::Separator);
+            path.append(it->data(), qsizetype(it->size()));
+        }
+        r.m_unreadable.push_back({path, table[id].error});
+    }
+    std::sort(r.m_unreadable.begin(), r.m_unreadable.end(),
+              [](const auto& a, const auto& b) { return a.path < b.path; });
 
     // Nodes: the start folder, the listed folders in order, then any folder whose files were listed but which
     // the Short limit stopped before it was entered.
@@ -425,31 +473,42 @@ std::unique_ptr<ScanResult> FolderWalk::run(const QByteArray& startPathIn, const
     r.m_folderCount = qint64(layout.order.size());
     r.m_dirs.reserve(layout.order.size() + 1 + extra.size());
     r.m_dirs.push_back({0, 0, 0});
+    r.m_dirStats.reserve(r.m_dirs.capacity());
+    r.m_dirStats.push_back({total[0], table[0].mtime});
     qint32 kb = options.carry.folderKb;
     for (const std::uint32_t id : layout.order) {
         // A folder of 2 TiB or more overflows the size; the size shown is then the one computed before.
         NumberText::kilobytes(total[id], kb);
         r.m_dirs.push_back({table[id].name, nodeOf[parent[id]], kb});
+        r.m_dirStats.push_back({total[id], table[id].mtime});
     }
-    for (const std::uint32_t id : extra)
+    for (const std::uint32_t id : extra) {
         r.m_dirs.push_back({table[id].name, nodeOf[parent[id]], 0});
+        r.m_dirStats.push_back({total[id], table[id].mtime});
+    }
     r.m_carryOut.folderKb = kb;
 
     std::size_t fileTotal = 0;
     for (const auto& run : layout.runs)
         fileTotal += run.count;
     r.m_files.reserve(fileTotal);
+    r.m_fileStats.reserve(fileTotal);
     for (const auto& run : layout.runs) {
         const std::vector<NameArena::Ref>& names = *files[run.worker];
+        const std::vector<ScanResult::Stat>& stats = *fileStats[run.worker];
         for (std::uint64_t k = run.start; k < run.start + run.count; ++k) {
             const NameArena::Ref ref = names[size_t(k)];
             r.m_files.push_back({nodeOf[run.dir], std::uint32_t(ref), std::uint32_t(ref >> 32)});
+            r.m_fileStats.push_back(stats[size_t(k)]);
         }
     }
     r.m_nameBytes = shared.nameBytes.load() + size_t(start.size());
-    for (auto& w : workers)
+    for (auto& w : workers) {
         std::vector<NameArena::Ref>().swap(w->files);
+        std::vector<ScanResult::Stat>().swap(w->fileStats);
+    }
 
     r.markLongPaths();
+    r.m_walkDurationMs = clock.elapsed();
     return result;
 }

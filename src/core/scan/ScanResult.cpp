@@ -157,6 +157,7 @@ QString ScanResult::text(List list, qint64 row) const
 std::size_t ScanResult::indexBytes() const
 {
     return m_dirs.capacity() * sizeof(DirNode) + m_files.capacity() * sizeof(FileEntry) +
+           (m_dirStats.capacity() + m_fileStats.capacity()) * sizeof(Stat) +
            m_staleNames.capacity() * sizeof(m_staleNames[0]) + size_t(m_startPath.capacity());
 }
 
@@ -186,6 +187,12 @@ void ScanResult::markLongPaths()
     const auto tooLong = [&](std::size_t bytes, auto&& path) {
         return bytes > std::size_t(MaxSplitPathLength) && NativeText::displayLength(path()) > MaxSplitPathLength;
     };
+    std::vector<bool> folderTooLong(folders);
+    for (std::size_t k = 0; k < folders; ++k)
+        folderTooLong[k] = tooLong(len[k + 1], [&] {
+            const QByteArray p = dirPath(std::uint32_t(k + 1));
+            return std::string(p.constData(), size_t(p.size()));
+        });
     std::uint64_t lastGood = UINT64_MAX;
     const auto mark = [&](std::uint64_t seq, bool stale) {
         if (stale)
@@ -193,12 +200,14 @@ void ScanResult::markLongPaths()
         else
             lastGood = seq;
     };
-    for (std::size_t k = 0; k < folders; ++k) {
-        mark(k, tooLong(len[k + 1], [&] {
-                 const QByteArray p = dirPath(std::uint32_t(k + 1));
-                 return std::string(p.constData(), size_t(p.size()));
-             }));
-    }
+    // The Long window's walk takes every folder's path apart once before its size pass does so again, so that
+    // pass starts from the name of the last folder the walk could take apart, not from the previous scan's.
+    if (m_flavour == Flavour::Long)
+        for (std::size_t k = 0; k < folders; ++k)
+            if (!folderTooLong[k])
+                lastGood = k;
+    for (std::size_t k = 0; k < folders; ++k)
+        mark(k, folderTooLong[k]);
     for (std::size_t k = 0; k < m_files.size(); ++k) {
         const FileEntry& f = m_files[k];
         mark(folders + k, tooLong(childLen(f.dir, m_names.get(f.name()).size()), [&] {

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <climits>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -50,6 +51,43 @@ public:
     bool noFolderFound() const { return folderCount() < 1; }
     bool limitReached() const { return m_limitReached; }
 
+    // Size in bytes and modification time (seconds since 1970 UTC) of a folder or file; a folder's size is all
+    // that is below it. What the walk could not read is NoSize / NoTime, as is everything of a result that was
+    // built without them.
+    struct Stat
+    {
+        std::uint64_t bytes;
+        std::int64_t mtime;
+    };
+    static constexpr qint64 NoSize = -1;
+    static constexpr qint64 NoTime = LLONG_MIN;
+
+    // The folder tree as the walk left it: node 0 is the start folder, node i + 1 folder entry i, and any node
+    // past folderCount() a folder whose files were listed but which was never entered. Each file is in a node.
+    qint64 nodeCount() const { return qint64(m_dirs.size()); }
+    std::uint32_t nodeParent(qint64 node) const { return m_dirs[size_t(node)].parent; }
+    std::string_view nodeName(qint64 node) const
+    {
+        return node == 0 ? std::string_view() : m_names.get(m_dirs[size_t(node)].name);
+    }
+    qint64 nodeBytes(qint64 node) const
+    {
+        return size_t(node) < m_dirStats.size() ? qint64(m_dirStats[size_t(node)].bytes) : NoSize;
+    }
+    qint64 nodeMtime(qint64 node) const
+    {
+        return size_t(node) < m_dirStats.size() ? m_dirStats[size_t(node)].mtime : NoTime;
+    }
+    std::uint32_t fileNode(qint64 file) const { return m_files[size_t(file)].dir; }
+    qint64 fileBytes(qint64 file) const
+    {
+        return size_t(file) < m_fileStats.size() ? qint64(m_fileStats[size_t(file)].bytes) : NoSize;
+    }
+    qint64 fileMtime(qint64 file) const
+    {
+        return size_t(file) < m_fileStats.size() ? m_fileStats[size_t(file)].mtime : NoTime;
+    }
+
     // Entry `row` of `list` as native bytes, appended to `out` (the fast path of listings and searches).
     void appendEntry(List list, qint64 row, QByteArray& out) const;
     QByteArray entry(List list, qint64 row) const;
@@ -68,8 +106,21 @@ public:
     // True when some name entries stand in for paths too long to take apart (see shownName).
     bool hasStaleNames() const { return !m_staleNames.empty(); }
 
+    // A folder the walk found but could not read: its path as native bytes and the system's error number.
+    struct UnreadableFolder
+    {
+        QByteArray path;
+        int error;
+    };
+    // Sorted by path; the folders are listed all the same, with what could be read of them.
+    const std::vector<UnreadableFolder>& unreadableFolders() const { return m_unreadable; }
+
     // What the next scan of the same window starts from: the size and name its last entry computation left.
     Carry carryOut() const { return m_carryOut; }
+
+    // When the walk began (UTC) and how long it took, for the catalogue; 0 for a result built otherwise.
+    qint64 walkStartedAtMs() const { return m_walkStartedAtMs; }
+    qint64 walkDurationMs() const { return m_walkDurationMs; }
 
     // Heap bytes held in all; of those, the bytes of the entries and their index (names and the arena's unused
     // tail left out), and the bytes the names take in the arena, length prefixes included.
@@ -94,7 +145,7 @@ private:
         std::uint32_t nameHi;
         NameArena::Ref name() const { return (NameArena::Ref(nameHi) << 32) | nameLo; }
     };
-    static_assert(sizeof(DirNode) == 16 && sizeof(FileEntry) == 12);
+    static_assert(sizeof(DirNode) == 16 && sizeof(FileEntry) == 12 && sizeof(Stat) == 16);
 
     QByteArray dirPath(std::uint32_t dir) const;
     void appendDirPath(std::uint32_t dir, QByteArray& out) const;
@@ -110,12 +161,17 @@ private:
     NameArena m_names;
     std::vector<DirNode> m_dirs;
     std::vector<FileEntry> m_files;
+    std::vector<Stat> m_dirStats;  // beside m_dirs, when the walk made the result
+    std::vector<Stat> m_fileStats; // beside m_files, likewise
     // Entries whose path is longer than 32,767 characters, with the entry whose name stands in for theirs
     // (UINT64_MAX: the name carried in from the previous scan). Sorted by entry; almost always empty.
     std::vector<std::pair<std::uint64_t, std::uint64_t>> m_staleNames;
     QByteArray m_carriedName;
+    std::vector<UnreadableFolder> m_unreadable;
     Carry m_carryOut;
     qint64 m_folderCount = 0;
+    qint64 m_walkStartedAtMs = 0;
+    qint64 m_walkDurationMs = 0;
     bool m_limitReached = false;
     std::size_t m_nameBytes = 0;
 };

@@ -14,7 +14,7 @@ namespace {
 struct FolderNames : FolderReader::Sink
 {
     QList<QByteArray> names;
-    void add(std::string_view name, std::uint64_t, bool dir, bool) override
+    void add(std::string_view name, std::uint64_t, std::int64_t, bool dir, bool) override
     {
         if (dir)
             names.append(QByteArray(name.data(), qsizetype(name.size())));
@@ -26,12 +26,13 @@ struct FolderNames : FolderReader::Sink
 QList<QByteArray> read(const QByteArray& folder, bool* ok)
 {
     // The walk's own reader, without the mount table: a tree node lists what is in it, mounts included.
-    const FolderReader::Start start;
+    FolderReader::Start start;
     FolderReader reader(start);
     FolderNames sink;
     DirState state = DirState::Read;
+    int error = 0;
     const bool listed =
-        reader.list(FolderPlace{-1, folder.toStdString()}, true, state, sink) && state == DirState::Read;
+        reader.list(FolderPlace{-1, folder.toStdString(), {}}, true, state, error, sink) && state == DirState::Read;
     reader.close();
     std::sort(sink.names.begin(), sink.names.end(), [](const QByteArray& a, const QByteArray& b) {
         return FolderWalk::lessByName(std::string_view(a.constData(), size_t(a.size())),

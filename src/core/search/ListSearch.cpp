@@ -36,7 +36,7 @@ bool containsAscii(std::string_view hay, std::string_view needle)
 
 struct Needle
 {
-    explicit Needle(const QString& text) : upper(text.toUpper())
+    explicit Needle(const QString& text) : upper(NativeText::upperUnits(text))
     {
         ascii = true;
         for (const QChar c : upper)
@@ -50,7 +50,7 @@ struct Needle
         if (NativeText::isAscii(item))
             return ascii && containsAscii(item, bytes);
         // Upper-casing may turn a non-ASCII letter into an ASCII one (dotless i, long s), so these go the long way.
-        return NativeText::toDisplay(item).toUpper().contains(upper);
+        return NativeText::upperUnits(NativeText::toDisplay(item)).contains(upper);
     }
     QString upper;
     std::string bytes;

@@ -42,6 +42,11 @@ void CopyActions::copySelectedFile()
         bareName = panes.text(4, index);
     }
     const CollectionFolder collection;
+    // No home folder, or a ~/Quillbox that is not the user's own: as if the folder were missing.
+    if (const RuntimeError::Number error = collection.check()) {
+        failUnhandled(m_services, error);
+        return;
+    }
     const QByteArray target = NativeText::fromDisplay(collection.filePath(bareName));
     const QString name = bareName.toUpper();
 
@@ -50,10 +55,8 @@ void CopyActions::copySelectedFile()
         const QString question = withName(collection.inText(flavour.replaceFileQuestion), name);
         if (m_services.messages->message(question, MessageStyle::YesNoExclamation) != Answer::Yes)
             return;
-        if (const RuntimeError::Number error = ItemCopy::removeFile(target)) {
-            failUnhandled(m_services, error);
-            return;
-        }
+        // The old file is not deleted first: the copy replaces it only once complete, so a failing copy leaves
+        // the user's file as it was.
         report = QStringLiteral("File ") + name +
                  collection.inText(QStringLiteral(" replaced successfully in C:\\QUILLBOX."));
     } else {
@@ -87,7 +90,10 @@ void CopyActions::CopyFolders()
     callbacks.problem = [&](const QByteArray& path, RuntimeError::Number error) {
         window.problem(NativeText::toDisplay(path), error);
     };
-    ItemCopy::copyTree(NativeText::fromDisplay(source), collection.nativePath(), callbacks);
+    if (const RuntimeError::Number refused = collection.check())
+        window.problem(collection.path(), refused); // nothing is written into a folder that is not the user's
+    else
+        ItemCopy::copyTree(NativeText::fromDisplay(source), collection.nativePath(), callbacks);
     window.finish();
 
     const ResultPanes& panes = m_window.panes();

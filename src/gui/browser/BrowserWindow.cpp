@@ -6,6 +6,8 @@
 #include "ClickableFrame.h"
 #include "ClickableLabel.h"
 #include "DriveCaptionLabel.h"
+#include "DriveSelector.h"
+#include "FolderTreeModel.h"
 #include "ListingDriver.h"
 #include "Pictures.h"
 #include "ResultGrid.h"
@@ -15,6 +17,7 @@
 #include "actions/ContextMenus.h"
 #include "actions/GoToCell.h"
 #include "actions/ItemActions.h"
+#include "common/NativeText.h"
 #include "common/RuntimeError.h"
 #include "export/CollectionFolder.h"
 #include "platform/ControlPurposes.h"
@@ -29,7 +32,6 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDir>
-#include <QFileSystemModel>
 #include <QHash>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -227,19 +229,16 @@ void BrowserWindow::buildNavigation()
     sunken(m_ui.Label4[3]);
     setBackground(m_ui.Label4[3], LightYellow);
 
-    m_ui.Drive1 = new QComboBox(this);
+    m_drives = new DriveSelector(*m_services.volumes, this);
+    m_ui.Drive1 = m_drives;
     m_ui.Drive1->setObjectName(QStringLiteral("Drive1"));
     fillDrives();
 
-    m_dirModel = new QFileSystemModel(this);
-    m_dirModel->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
-    m_dirModel->setReadOnly(true);
+    m_dirModel = new FolderTreeModel(this);
     m_ui.Dir1 = new QTreeView(this);
     m_ui.Dir1->setObjectName(QStringLiteral("Dir1"));
     m_ui.Dir1->setModel(m_dirModel);
     m_ui.Dir1->setHeaderHidden(true);
-    for (int column = 1; column < m_dirModel->columnCount(); ++column)
-        m_ui.Dir1->hideColumn(column);
     m_ui.Dir1->setUniformRowHeights(true);
 
     m_ui.List_Folders = new QPushButton(QStringLiteral("List All Folders && Files"), this);
@@ -256,24 +255,17 @@ void BrowserWindow::buildNavigation()
     connect(m_ui.Dir1->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) {
                 if (current.isValid())
-                    setDir1Path(m_dirModel->filePath(current));
+                    setDir1Path(m_dirModel->displayPath(current));
             });
     connect(m_ui.Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
-    // The model reads folders in the background; the current folder can only be shown once its parents are in.
-    connect(m_dirModel, &QFileSystemModel::directoryLoaded, this, [this] {
-        const QModelIndex index = m_dirModel->index(m_dir1Path);
-        if (index.isValid() && m_ui.Dir1->currentIndex() != index)
-            m_ui.Dir1->setCurrentIndex(index);
-        m_ui.Dir1->scrollTo(index);
-    });
+    // An opened folder shows the folders made in it since it was first read.
+    connect(m_ui.Dir1, &QTreeView::expanded, m_dirModel, &FolderTreeModel::readAgain);
 }
 
 void BrowserWindow::fillDrives()
 {
     const QSignalBlocker block(m_ui.Drive1);
-    m_ui.Drive1->clear();
-    for (const Volume& v : m_services.volumes->volumes())
-        m_ui.Drive1->addItem(v.driveText());
+    m_drives->refresh();
     // The selector starts on the drive of the current folder, as the folder tree starts in that folder.
     const int current = m_ui.Drive1->findText(m_services.volumes->volumeOf(QDir::currentPath()).driveText());
     m_ui.Drive1->setCurrentIndex(current >= 0 ? current : 0);
@@ -501,11 +493,10 @@ void BrowserWindow::fitLabel2()
 void BrowserWindow::Form_Load()
 {
     const Volume start = m_services.volumes->volumeOf(QDir::currentPath());
-    m_dirModel->setRootPath(start.root);
-    m_ui.Dir1->setRootIndex(m_dirModel->index(start.root));
+    m_dirModel->setRootPath(NativeText::fromDisplay(start.root));
     // The tree reports the new current folder back; setDir1Path ignores it because the path is already set.
     m_dir1Path = QDir::currentPath();
-    m_ui.Dir1->setCurrentIndex(m_dirModel->index(m_dir1Path));
+    m_ui.Dir1->setCurrentIndex(m_dirModel->index(NativeText::fromDisplay(m_dir1Path)));
     Dir1_Change();
     m_ui.CreateTextFiles->setEnabled(false);
 }
@@ -515,7 +506,7 @@ void BrowserWindow::setDir1Path(const QString& path)
     if (path == m_dir1Path)
         return;
     m_dir1Path = path;
-    const QModelIndex index = m_dirModel->index(path);
+    const QModelIndex index = m_dirModel->index(NativeText::fromDisplay(path));
     m_ui.Dir1->setCurrentIndex(index);
     m_ui.Dir1->scrollTo(index);
     Dir1_Change();
@@ -592,8 +583,8 @@ RuntimeError::Number BrowserWindow::setDir1PathToDrive(const QString& driveText)
         return RuntimeError::DeviceUnavailable;
     if (!QDir(v.root).exists())
         return RuntimeError::PathNotFound;
-    m_dirModel->setRootPath(v.root);
-    m_ui.Dir1->setRootIndex(m_dirModel->index(v.root));
+    if (m_dirModel->rootPath() != NativeText::fromDisplay(v.root))
+        m_dirModel->setRootPath(NativeText::fromDisplay(v.root));
     setDir1Path(v.root);
     return RuntimeError::None;
 }
@@ -764,38 +755,84 @@ void BrowserWindow::applyLayout()
         return;
     m_applyingLayout = true;
     const bool maximised = isMaximized();
-    // The same properties in both states: design values when normal, values from the window's size when
-    // maximised, where the file-path pane reaches to the file-name pane and the path boxes to the right edge.
-    for (const BrowserFlavour::Restore& step : m_flavour.restore) {
-        auto* w = findChild<QWidget*>(step.control);
-        if (!w)
-            continue;
-        int px = Twips::toPx(step.twips);
-        if (maximised) {
-            if (step.control == m_flavour.paneName(3) && step.property == BrowserFlavour::Restore::Width)
-                px = m_ui.Frame4->x() - w->x() - Twips::toPx(60);
-            else if (step.control == QLatin1String("Label5") && step.property == BrowserFlavour::Restore::Width)
-                px = findChild<QWidget*>(m_flavour.paneName(3))->width() - 1;
-            else if (step.control.startsWith(QLatin1String("Text")))
-                px = width() - w->x() - Twips::toPx(105);
-            else if (w == m_ui.playerFrame)
-                px = (width() - w->width()) / 2;
+    if (maximised) {
+        stretchToWindow();
+    } else {
+        for (const auto& [w, place] : std::as_const(m_normalPlaces)) {
+            if (w)
+                w->setGeometry(place);
         }
-        switch (step.property) {
-        case BrowserFlavour::Restore::Left:
-            w->move(px, w->y());
-            break;
-        case BrowserFlavour::Restore::Top:
-            w->move(w->x(), px);
-            break;
-        case BrowserFlavour::Restore::Width:
-            w->resize(px, w->height());
-            break;
-        case BrowserFlavour::Restore::Height:
-            w->resize(w->width(), px);
-            break;
+        m_normalPlaces.clear();
+        for (const BrowserFlavour::Restore& step : m_flavour.restore) {
+            auto* w = findChild<QWidget*>(step.control);
+            if (!w)
+                continue;
+            const int px = Twips::toPx(step.twips);
+            switch (step.property) {
+            case BrowserFlavour::Restore::Left:
+                w->move(px, w->y());
+                break;
+            case BrowserFlavour::Restore::Top:
+                w->move(w->x(), px);
+                break;
+            case BrowserFlavour::Restore::Width:
+                w->resize(px, w->height());
+                break;
+            case BrowserFlavour::Restore::Height:
+                w->resize(w->width(), px);
+                break;
+            }
         }
     }
     m_ui.Label8->setEnabled(!maximised);
     m_applyingLayout = false;
+}
+
+// The maximised window: the panes, their frames and labels, the search section and the player take the window's
+// width in the proportions of the wide design (all four panes in view), and its height down to the path frame,
+// which keeps its height along the bottom edge and stretches its boxes and the go-to frame with the width.
+void BrowserWindow::stretchToWindow()
+{
+    const double sx = width() / double(Twips::toPx(WideWidth - 120));
+    const int designHeight = Twips::toPx(m_flavour.clientTwips.height());
+    const int bandTop = Twips::toPx(m_flavour.pathFrameTop);
+    const int newBandTop = qMax(bandTop, height() - (designHeight - bandTop));
+    const double sy = newBandTop / double(bandTop);
+
+    const bool firstTime = m_normalPlaces.isEmpty();
+    auto place = [&](QWidget* w, bool stretchHeight, bool stretchWidth = true) {
+        if (!w)
+            return;
+        const QRect design = designRect(w->objectName());
+        if (design.isNull())
+            return;
+        if (firstTime)
+            m_normalPlaces.append({w, w->geometry()});
+        const QRect px = Twips::toPx(design);
+        const int top = w->parentWidget() == this ? qRound(px.y() * sy) : px.y();
+        w->setGeometry(qRound(px.x() * sx), top, stretchWidth ? qRound(px.width() * sx) : w->width(),
+                       stretchHeight ? qRound(px.height() * sy) : w->height());
+    };
+    for (int n = 1; n <= 4; ++n)
+        place(findChild<QWidget*>(m_flavour.paneName(n)), true);
+    for (QWidget* w : {static_cast<QWidget*>(m_ui.Frame4), static_cast<QWidget*>(m_ui.Label5),
+                       static_cast<QWidget*>(m_ui.Label1[1]), static_cast<QWidget*>(m_ui.Label10)})
+        place(w, false);
+    place(m_ui.Frame1, true);
+    for (QWidget* w : m_ui.Frame1->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        place(w, w == m_ui.List[5]);
+    place(m_ui.playerFrame, false, false);
+    for (QWidget* w : {static_cast<QWidget*>(m_ui.modeFrame), static_cast<QWidget*>(m_ui.Image3),
+                       static_cast<QWidget*>(m_ui.Image4)})
+        place(w, false, false);
+
+    if (firstTime)
+        m_normalPlaces.append({m_ui.pathFrame, m_ui.pathFrame->geometry()});
+    m_ui.pathFrame->setGeometry(0, newBandTop, width(), m_ui.pathFrame->height());
+    for (QWidget* w :
+         {static_cast<QWidget*>(m_ui.Text1), static_cast<QWidget*>(m_ui.Text2), static_cast<QWidget*>(m_ui.Frame5)})
+        place(w, false);
+    for (QWidget* w : {static_cast<QWidget*>(m_ui.Label8), static_cast<QWidget*>(m_ui.Label11),
+                       static_cast<QWidget*>(m_ui.Label4[1]), static_cast<QWidget*>(m_ui.Image1)})
+        place(w, false, false);
 }

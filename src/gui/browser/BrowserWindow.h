@@ -11,10 +11,11 @@
 #include <QWidget>
 #include <memory>
 
+class DriveSelector;
+class FolderTreeModel;
 class GoToCell;
 class ItemActions;
 class ListingDriver;
-class QFileSystemModel;
 class ResultPanes;
 class ScanResult;
 class SearchSection;
@@ -95,6 +96,7 @@ private:
     void Label11_DblClick();
     void Command1_Click();
     void applyLayout();
+    void stretchToWindow();
     void setOuterWidth(int twips);
     void fitLabel2();
 
@@ -102,7 +104,8 @@ private:
     Services m_services;
     QPointer<QWidget> m_options;
     BrowserControls m_ui;
-    QFileSystemModel* m_dirModel = nullptr;
+    FolderTreeModel* m_dirModel = nullptr;
+    DriveSelector* m_drives = nullptr;
     ResultPanes* m_panes = nullptr;
     ListingDriver* m_driver = nullptr;
     ItemActions* m_actions = nullptr;
@@ -111,4 +114,6 @@ private:
     QString m_driveText;
     QString m_dir1Path;
     bool m_applyingLayout = false;
+    // Where the stretched controls stood before the window was maximised, to put them back exactly.
+    QList<QPair<QPointer<QWidget>, QRect>> m_normalPlaces;
 };

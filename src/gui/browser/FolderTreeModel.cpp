@@ -94,6 +94,15 @@ QModelIndex FolderTreeModel::index(const QByteArray& path)
     return indexOf(node);
 }
 
+void FolderTreeModel::readAgain(const QModelIndex& folder)
+{
+    Node* node = nodeOf(folder);
+    if (!node->read)
+        return; // its first reading is still to come and brings everything
+    node->read = false;
+    read(node);
+}
+
 void FolderTreeModel::read(Node* node)
 {
     if (node->read)

@@ -30,6 +30,9 @@ public:
     QModelIndex index(const QByteArray& path);
     using QAbstractItemModel::index;
 
+    // Reads a folder that was read before again, for folders made since; nothing already there goes.
+    void readAgain(const QModelIndex& folder);
+
     QByteArray nativePath(const QModelIndex& index) const;
     QString displayPath(const QModelIndex& index) const;
 

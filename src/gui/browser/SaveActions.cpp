@@ -3,6 +3,7 @@
 #include "SaveActions.h"
 
 #include "BrowserWindow.h"
+#include "common/NativeText.h"
 #include "export/CollectionFolder.h"
 #include "export/FileOps.h"
 #include "platform/InputService.h"
@@ -77,7 +78,9 @@ void SaveActions::save(SaveFlow::Kind kind)
             label->setText(caption);
             label->setVisible(visible);
         });
-    flow.run(kind, SaveSources{result.get(), m_window.flavour().walk, ui.Label4[3]->text(), ui.Label2->text()});
+    // The folder the lists came from, whatever the tree has done since.
+    const QString parent = result ? NativeText::toDisplay(result->startPath()) : ui.Label2->text();
+    flow.run(kind, SaveSources{result.get(), m_window.flavour().walk, ui.Label4[3]->text(), parent});
 }
 
 void SaveActions::Label4_Click(int Index)

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "TreeBuilder.h"
+
+#include <QProcess>
+#include <QTest>
+#include <sys/stat.h>
+
+namespace {
+
+struct Run
+{
+    int code = -1;
+    QByteArray out, err;
+};
+
+} // namespace
+
+// quillary-catalogue as a user runs it: HOME of its own, so the catalogue is the collection folder's.
+class TestCatalogueCommand : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_home;
+
+    Run run(const QStringList& args, const QString& program = QStringLiteral(QUILLARY_CATALOGUE))
+    {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("HOME"), m_home.path());
+        p.setProcessEnvironment(env);
+        p.start(program, args);
+        Run r;
+        if (!p.waitForFinished(120000))
+            return r;
+        r.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+        r.out = p.readAllStandardOutput();
+        r.err = p.readAllStandardError();
+        return r;
+    }
+
+    static void setTime(const QByteArray& path, qint64 seconds)
+    {
+        const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+        QCOMPARE(::utimensat(AT_FDCWD, path.constData(), times, 0), 0);
+    }
+
+private slots:
+    void init()
+    {
+        // Each case starts from an empty catalogue, so scan ids start at 1.
+        for (const char* suffix : {"", "-wal", "-shm"})
+            QFile::remove(m_home.path() + QStringLiteral("/Quillbox/catalogue.sqlite") + QLatin1String(suffix));
+    }
+
+    void exitCodes_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::newRow("no arguments") << QStringList() << 2;
+        QTest::newRow("unknown command") << QStringList{QStringLiteral("frobnicate")} << 2;
+        QTest::newRow("find without text") << QStringList{QStringLiteral("find")} << 2;
+        QTest::newRow("bad size") << QStringList{QStringLiteral("find"), QStringLiteral("--min-size"),
+                                                 QStringLiteral("lots"), QStringLiteral("x")}
+                                  << 2;
+        QTest::newRow("bad date") << QStringList{QStringLiteral("find"), QStringLiteral("--newer"),
+                                                 QStringLiteral("yesterday"), QStringLiteral("x")}
+                                  << 2;
+        QTest::newRow("option of another command")
+            << QStringList{QStringLiteral("scans"), QStringLiteral("--encoding"), QStringLiteral("cp1252")} << 2;
+        QTest::newRow("add a file") << QStringList{QStringLiteral("add"), QStringLiteral("/etc/hostname")} << 2;
+        QTest::newRow("nothing found") << QStringList{QStringLiteral("find"), QStringLiteral("nothing-like-it")} << 1;
+        QTest::newRow("unknown scan") << QStringList{QStringLiteral("remove"), QStringLiteral("999")} << 3;
+        QTest::newRow("diff of unknown scans")
+            << QStringList{QStringLiteral("diff"), QStringLiteral("1"), QStringLiteral("2")} << 3;
+        QTest::newRow("import of no listing")
+            << QStringList{QStringLiteral("import"), QStringLiteral("/etc/hostname")} << 3;
+        QTest::newRow("help") << QStringList{QStringLiteral("--help")} << 0;
+    }
+
+    void exitCodes()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        const Run r = run(args);
+        QCOMPARE(r.code, code);
+        if (code == 2)
+            QVERIFY(r.err.contains("Usage: quillary-catalogue"));
+    }
+
+    void findsARecordedTreeAfterItIsGone()
+    {
+        TreeBuilder t;
+        t.file("docs/Report 2024.txt", 1500);
+        t.file("docs/notes\nline.txt", 3); // a line break in a name: -0 keeps it whole
+        t.file("x\xff.bin", 9);
+        setTime(t.path("docs/Report 2024.txt"), 1700000000);
+        const QString live = QFile::decodeName(t.root()) + QStringLiteral("/tree");
+        QVERIFY(QDir().mkpath(live));
+        for (const char* name : {"docs", "x\xff.bin"})
+            QCOMPARE(::rename(t.path(name).constData(), (QFile::encodeName(live) + '/' + name).constData()), 0);
+
+        Run r = run({QStringLiteral("add"), live});
+        QCOMPARE(r.code, 0);
+        QVERIFY(r.out.startsWith("Recorded scan 1: 1 folders, 3 files, 1512 bytes"));
+
+        // Offline: the folder is renamed away, the catalogue still finds what was in it.
+        const QString away = QFile::decodeName(t.root()) + QStringLiteral("/moved");
+        QVERIFY(QDir().rename(live, away));
+        const QByteArray livePath = QFile::encodeName(live);
+
+        r = run({QStringLiteral("find"), QStringLiteral("--tsv"), QStringLiteral("report")});
+        QCOMPARE(r.code, 0);
+        QList<QByteArray> f = r.out.trimmed().split('\t');
+        QCOMPARE(f.size(), 7);
+        QCOMPARE(f[0], livePath + "/docs/Report 2024.txt");
+        QCOMPARE(f[1], QByteArray("1500"));
+        QCOMPARE(f[2], QByteArray("2023-11-14T22:13:20Z"));
+        QCOMPARE(f[5], QByteArray("1"));
+        QVERIFY(f[6].endsWith('Z'));
+
+        r = run({QStringLiteral("find"), QStringLiteral("-0"), QStringLiteral("--files"), QString()});
+        QCOMPARE(r.code, 0);
+        QVERIFY(r.out.endsWith('\0'));
+        QList<QByteArray> records = r.out.split('\0');
+        records.removeLast();
+        QCOMPARE(records.size(), 3);
+        QVERIFY(std::any_of(records.begin(), records.end(), [&](const QByteArray& rec) {
+            return rec.startsWith(livePath + "/docs/notes\nline.txt\t3\t");
+        }));
+        QVERIFY(std::any_of(records.begin(), records.end(),
+                            [&](const QByteArray& rec) { return rec.startsWith(livePath + "/x\xff.bin\t9\t"); }));
+
+        r = run({QStringLiteral("find"), QStringLiteral("--min-size"), QStringLiteral("1k"), QString()});
+        QCOMPARE(r.code, 0);
+        QList<QByteArray> lines = r.out.trimmed().split('\n');
+        QCOMPARE(lines.size(), 3); // header, the docs folder, the report
+        QVERIFY(lines[0].startsWith("NAME"));
+        QVERIFY(lines[0].contains("MOUNTED"));
+        QVERIFY(lines[2].startsWith("Report 2024.txt"));
+        QVERIFY(lines[2].endsWith("no"));
+
+        r = run({QStringLiteral("scans"), QStringLiteral("--tsv")});
+        QCOMPARE(r.code, 0);
+        f = r.out.trimmed().split('\t');
+        QCOMPARE(f.size(), 11);
+        QCOMPARE(f[0], QByteArray("1"));
+        QCOMPARE(f[5], livePath);
+        QCOMPARE(f[6], QByteArray("3"));
+        QCOMPARE(f[7], QByteArray("1"));
+        QCOMPARE(f[8], QByteArray("1512"));
+        QCOMPARE(f[9], QByteArray("yes"));
+        QCOMPARE(f[10], QByteArray("no"));
+    }
+
+    void listerRecordsWhatItWrote()
+    {
+        TreeBuilder t;
+        t.file("sub/seen.txt", 4);
+        const QString list = QStringLiteral(QUILLARY_LIST);
+        const QString root = QFile::decodeName(t.root());
+        QCOMPARE(
+            run({QStringLiteral("--no-catalogue"), QStringLiteral("--name"), QStringLiteral("skip"), root}, list).code,
+            0);
+        QCOMPARE(run({QStringLiteral("find"), QStringLiteral("seen")}).code, 1);
+        QCOMPARE(run({QStringLiteral("--name"), QStringLiteral("kept"), root}, list).code, 0);
+        const Run r = run({QStringLiteral("scans"), QStringLiteral("--tsv")});
+        QCOMPARE(r.out.count('\n'), 1);
+        QCOMPARE(run({QStringLiteral("find"), QStringLiteral("seen")}).code, 0);
+    }
+
+    void aCatalogueThatCannotBeWrittenNeverFailsTheListing()
+    {
+        TreeBuilder t;
+        t.file("a.txt", 1);
+        const QString catalogue = m_home.path() + QStringLiteral("/Quillbox/catalogue.sqlite");
+        QFile::remove(catalogue);
+        QVERIFY(QDir().mkpath(catalogue)); // a folder where the database should be
+        const Run r = run({QStringLiteral("--name"), QStringLiteral("blocked"), QFile::decodeName(t.root())},
+                          QStringLiteral(QUILLARY_LIST));
+        QVERIFY(QDir(catalogue).removeRecursively());
+        QCOMPARE(r.code, 0);
+        QVERIFY(r.err.contains("the scan was not recorded in the catalogue"));
+        QVERIFY(QFile::exists(m_home.path() + QStringLiteral("/Quillbox/Files List - blocked.txt")));
+    }
+
+    void diffShowsAChangedFile()
+    {
+        TreeBuilder t;
+        t.file("keep.txt", 10);
+        t.file("grow.txt", 10);
+        t.file("old.txt", 1);
+        QCOMPARE(run({QStringLiteral("add"), QFile::decodeName(t.root())}).code, 0);
+        t.file("grow.txt", 25);
+        t.file("new.txt", 2);
+        QVERIFY(QFile::remove(QFile::decodeName(t.path("old.txt"))));
+        QCOMPARE(run({QStringLiteral("add"), QFile::decodeName(t.root())}).code, 0);
+
+        Run r = run({QStringLiteral("diff"), QStringLiteral("--tsv"), QFile::decodeName(t.root())});
+        QCOMPARE(r.code, 0);
+        QList<QByteArray> lines = r.out.trimmed().split('\n');
+        for (QByteArray& l : lines) // the times are the files' own, not fixed
+            l = l.split('\t').mid(0, 4).join('\t');
+        QCOMPARE(lines,
+                 QList<QByteArray>({"added\t" + t.path("new.txt") + "\t\t2", "removed\t" + t.path("old.txt") + "\t1\t",
+                                    "changed\t" + t.path("grow.txt") + "\t10\t25", "totals\t1\t1\t1"}));
+
+        r = run({QStringLiteral("diff"), QStringLiteral("1"), QStringLiteral("2")});
+        QCOMPARE(r.code, 0);
+        QVERIFY(r.out.startsWith("CHANGE"));
+        QVERIFY(r.out.contains("1 files added, 1 removed, 1 changed; 0 folders changed in size; 16 bytes difference"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCatalogueCommand)
+#include "tst_cataloguecommand.moc"

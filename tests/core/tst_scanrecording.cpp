@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "TreeBuilder.h"
+#include "catalogue/ScanRecorder.h"
+#include "catalogue/SqliteCatalogue.h"
+#include "scan/FolderWalk.h"
+
+#include <QTest>
+#include <map>
+#include <sys/stat.h>
+
+namespace {
+
+void setTime(const QByteArray& path, qint64 seconds)
+{
+    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+    QCOMPARE(::utimensat(AT_FDCWD, path.constData(), times, AT_SYMLINK_NOFOLLOW), 0);
+}
+
+} // namespace
+
+// A real walk carries each file's and folder's size in bytes and modification time into the catalogue.
+class TestScanRecording : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void walkCarriesSizesAndTimesIntoTheCatalogue()
+    {
+        TreeBuilder t;
+        t.file("docs/deep/a.txt", 3000);
+        t.file("docs/b.bin", 70000);
+        t.file("top.txt", 5);
+        t.file("music/\xe9t\xe9.mp3", 12);
+        setTime(t.path("docs/deep/a.txt"), 1000000000);
+        setTime(t.path("docs/b.bin"), 1100000000);
+        setTime(t.path("top.txt"), 1200000000);
+        setTime(t.path("music/\xe9t\xe9.mp3"), 1300000000);
+        setTime(t.path("docs/deep"), 1400000000);
+        setTime(t.path("docs"), 1500000000);
+
+        const auto r = FolderWalk::run(t.root());
+        QCOMPARE(r->nodeBytes(0), 73017);
+        std::map<QByteArray, std::pair<qint64, qint64>> walked;
+        for (qint64 i = 0; i < r->fileCount(); ++i)
+            walked[r->filePath(i)] = {r->fileBytes(i), r->fileMtime(i)};
+        QCOMPARE(walked[t.path("docs/b.bin")], std::make_pair(qint64(70000), qint64(1100000000)));
+
+        QTemporaryDir dir;
+        auto c = SqliteCatalogue::open(dir.filePath(QStringLiteral("catalogue.sqlite")));
+        QString error;
+        const auto id = ScanRecorder::record(*c, {r.get(), 1700000000000, 42, QStringLiteral("set")}, &error);
+        QVERIFY2(id, qPrintable(error));
+        const ScanInfo s = c->scans()->front();
+        QCOMPARE(s.startPath, t.root());
+        QCOMPARE(s.folderCount, 3);
+        QCOMPARE(s.fileCount, 4);
+        QCOMPARE(s.totalBytes, 73017);
+        QCOMPARE(s.durationMs, 42);
+        QVERIFY(s.complete);
+        QVERIFY(!s.volume.mountPoint.isEmpty());
+        QVERIFY(!s.volume.fsType.isEmpty());
+        QVERIFY(s.volume.capacity > 0);
+
+        std::map<QByteArray, std::pair<qint64, qint64>> found;
+        c->find({}, [&](std::vector<FindHit>& batch) {
+            for (const FindHit& h : batch)
+                found[h.path] = {h.bytes, h.mtime};
+            return true;
+        });
+        const auto expect = [&](const char* rel, qint64 bytes, qint64 mtime) {
+            QCOMPARE(found[t.path(rel)], std::make_pair(bytes, mtime));
+        };
+        expect("docs/deep/a.txt", 3000, 1000000000);
+        expect("docs/b.bin", 70000, 1100000000);
+        expect("top.txt", 5, 1200000000);
+        expect("music/\xe9t\xe9.mp3", 12, 1300000000);
+        expect("docs/deep", 3000, 1400000000);
+        expect("docs", 73000, 1500000000);
+        QCOMPARE(found.size(), size_t(7));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestScanRecording)
+#include "tst_scanrecording.moc"
