@@ -3,7 +3,8 @@
 # Installs the build the way a package does (DESTDIR staging, prefix /usr) and checks what lands: the launcher
 # entry, the icon and the AppStream component under one application id, both validators where they are
 # installed, the one version in every file that shows it, and `quillary --help`/`--version` answering with no
-# display at all (a window would need one).
+# display at all (a window would need one); the catalogue window's launcher entry and `quillary-catalogue`'s
+# commands likewise answering with no display.
 #   check-install.sh BUILD_DIR APP_ID VERSION
 set -euo pipefail
 build=$1 id=$2 version=$3
@@ -55,6 +56,13 @@ grep -q "<release version=\"$version\"" "$metainfo" || fail "AppStream release i
 catalogue=$usr/share/applications/${id%.*}.catalogue.desktop
 [ -f "$catalogue" ] || fail "no launcher entry for the catalogue window"
 grep -qx "Exec=quillary-catalogue" "$catalogue" || fail "the catalogue's launcher does not start quillary-catalogue"
+# That entry starts it without arguments, which opens the window; with a command it stays a terminal program,
+# so its help and its commands answer with no display at all.
+grep -q '^\.SH THE WINDOW' "$man1/quillary-catalogue.1" || fail "quillary-catalogue.1 does not describe the window"
+usage=$("${noscreen[@]}" "$usr/bin/quillary-catalogue" --help) || fail "quillary-catalogue --help"
+grep -q "the catalogue window" <<<"$usage" || fail "quillary-catalogue --help does not name the window"
+"${noscreen[@]}" "$usr/bin/quillary-catalogue" --catalogue "$stage/catalogue.sqlite" scans >/dev/null ||
+    fail "quillary-catalogue scans needs a display"
 
 if command -v desktop-file-validate >/dev/null; then
     for entry in "$desktop" "$catalogue"; do
