@@ -23,6 +23,9 @@ enum Exit { Done = 0, NothingFound = 1, BadArguments = 2, Failed = 3 };
 
 const char* const Usage =
     "Usage: quillary-catalogue [--catalogue FILE] COMMAND ...\n"
+#ifdef QUILLARY_CATALOGUE_WINDOW
+    "       quillary-catalogue            (no arguments) the catalogue window\n"
+#endif
     "\n"
     "Every scan saved by Quillary, searchable with its drive unplugged.\n"
     "\n"

@@ -57,7 +57,7 @@ private slots:
     {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("code");
-        QTest::newRow("no arguments") << QStringList() << 2;
+        QTest::newRow("options but no command") << QStringList{QStringLiteral("--tsv")} << 2;
         QTest::newRow("unknown command") << QStringList{QStringLiteral("frobnicate")} << 2;
         QTest::newRow("find without text") << QStringList{QStringLiteral("find")} << 2;
         QTest::newRow("bad size") << QStringList{QStringLiteral("find"), QStringLiteral("--min-size"),

@@ -3,7 +3,8 @@
 # Installs the build the way a package does (DESTDIR staging, prefix /usr) and checks what lands: the launcher
 # entry, the icon and the AppStream component under one application id, both validators where they are
 # installed, the one version in every file that shows it, and `quillary --help`/`--version` answering with no
-# display at all (a window would need one).
+# display at all (a window would need one); the catalogue window's launcher entry and `quillary-catalogue`'s
+# commands likewise answering with no display.
 #   check-install.sh BUILD_DIR APP_ID VERSION
 set -euo pipefail
 build=$1 id=$2 version=$3
@@ -51,9 +52,23 @@ grep -q "<id>$id</id>" "$metainfo" || fail "AppStream id"
 grep -q "<launchable type=\"desktop-id\">$id.desktop</launchable>" "$metainfo" || fail "AppStream launchable"
 grep -q "<release version=\"$version\"" "$metainfo" || fail "AppStream release is not $version"
 
+# The catalogue window has a launcher entry of its own, beside the program's.
+catalogue=$usr/share/applications/${id%.*}.catalogue.desktop
+[ -f "$catalogue" ] || fail "no launcher entry for the catalogue window"
+grep -qx "Exec=quillary-catalogue" "$catalogue" || fail "the catalogue's launcher does not start quillary-catalogue"
+# That entry starts it without arguments, which opens the window; with a command it stays a terminal program,
+# so its help and its commands answer with no display at all.
+grep -q '^\.SH THE WINDOW' "$man1/quillary-catalogue.1" || fail "quillary-catalogue.1 does not describe the window"
+usage=$("${noscreen[@]}" "$usr/bin/quillary-catalogue" --help) || fail "quillary-catalogue --help"
+grep -q "the catalogue window" <<<"$usage" || fail "quillary-catalogue --help does not name the window"
+"${noscreen[@]}" "$usr/bin/quillary-catalogue" --catalogue "$stage/catalogue.sqlite" scans >/dev/null ||
+    fail "quillary-catalogue scans needs a display"
+
 if command -v desktop-file-validate >/dev/null; then
-    out=$(desktop-file-validate "$desktop" 2>&1) || fail "desktop-file-validate: $out"
-    [ -z "$out" ] || fail "desktop-file-validate: $out"
+    for entry in "$desktop" "$catalogue"; do
+        out=$(desktop-file-validate "$entry" 2>&1) || fail "desktop-file-validate: $out"
+        [ -z "$out" ] || fail "desktop-file-validate: $out"
+    done
 else
     echo "desktop-file-validate not installed: the launcher entry is not validated"
 fi
