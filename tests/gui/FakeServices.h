@@ -7,6 +7,7 @@
 #include "platform/InputService.h"
 #include "platform/MediaPlayer.h"
 #include "platform/MessageService.h"
+#include "platform/NoticeService.h"
 #include "platform/ProgramEnd.h"
 #include "platform/Services.h"
 #include "platform/ShellService.h"
@@ -134,6 +135,12 @@ struct FakeCopyProgress : CopyProgressService
     void finish() override { ++finishes; }
 };
 
+struct FakeNotices : NoticeService
+{
+    QStringList shown;
+    void notice(const QString& text) override { shown.append(text); }
+};
+
 struct FakeServices
 {
     FakeMessages messages;
@@ -144,8 +151,12 @@ struct FakeServices
     FakePlayer player;
     FakeProgramEnd programEnd;
     FakeCopyProgress copyProgress;
+    FakeNotices notices;
 
-    Services services() { return {&messages, &input, &admin, &volumes, &shell, &player, &programEnd, &copyProgress}; }
+    Services services()
+    {
+        return {&messages, &input, &admin, &volumes, &shell, &player, &programEnd, &copyProgress, &notices};
+    }
     // Forgets what was asked and queued; the windows keep their pointers, the answers to admin and volumes stay.
     void reset()
     {
@@ -155,5 +166,6 @@ struct FakeServices
         player = FakePlayer();
         programEnd = FakeProgramEnd();
         copyProgress = FakeCopyProgress();
+        notices = FakeNotices();
     }
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "BrowserTestKit.h"
+#include "catalogue/SqliteCatalogue.h"
 
 #include <QRegularExpression>
 
@@ -103,6 +104,53 @@ private slots:
         QCOMPARE(m_fakes.messages.texts(), QStringList{saved + files});
         QVERIFY(read(files).contains("LIST OF ALL FILES (4):\r\n\r\n"));
         QVERIFY(read(files).contains("\r\n" + m_tree.path("A/a1.txt") + "\r\n"));
+    }
+
+    // A saved set is recorded in the catalogue, found there with the folder renamed away; the save's boxes stay
+    // as they were. A catalogue that cannot be written leaves the listing standing and says so once, without a
+    // modal box. Single-list saves record nothing.
+    void recordedInCatalogue_data() { addFlavours(); }
+    void recordedInCatalogue()
+    {
+        QFETCH(bool, longVersion);
+        const QString catalogue = collectionPath() + u"/catalogue.sqlite"_s;
+        QDir().mkpath(catalogue); // a folder where the database should be: it cannot be opened
+        auto w = listedWindow(m_fakes, longVersion, m_tree.root());
+        m_fakes.input.answers = {u"Broken"_s};
+        QTest::mouseClick(w->controls().navigation.CreateTextFiles, Qt::LeftButton);
+        QTRY_COMPARE(m_fakes.notices.shown.size(), 1);
+        QVERIFY(m_fakes.notices.shown.first().startsWith(
+            u"The listing files are saved, but the scan was not recorded in the catalogue: "_s));
+        QCOMPARE(m_fakes.messages.calls.size(), 1); // the save's own report, nothing more
+        QVERIFY(QFile::exists(setName(4, u"Broken"_s)));
+        QVERIFY(QDir().rmdir(catalogue));
+
+        m_fakes.input.answers = {u"One"_s};
+        entry(*w, longVersion ? u"SaveMSFlexGrid3Contents"_s : u"SaveList3Contents"_s)->trigger();
+        m_fakes.input.answers = {u"Kept"_s};
+        QTest::mouseClick(w->controls().navigation.CreateTextFiles, Qt::LeftButton);
+        w.reset(); // waits for the recording under way
+        QCOMPARE(m_fakes.notices.shown.size(), 1);
+
+        const QByteArray renamed = m_tree.root() + "-away";
+        QCOMPARE(::rename(m_tree.root().constData(), renamed.constData()), 0);
+        const auto back = qScopeGuard([&] { ::rename(renamed.constData(), m_tree.root().constData()); });
+        const auto store = SqliteCatalogue::open(catalogue);
+        QVERIFY(store);
+        const auto scans = store->scans();
+        QVERIFY(scans && scans->size() == 1);
+        QCOMPARE(scans->front().listingName, u"Kept"_s);
+        QCOMPARE(scans->front().fileCount, 4);
+        FindQuery query;
+        query.text = u"A1.TXT"_s;
+        std::vector<FindHit> hits;
+        QVERIFY(store->find(query, [&](std::vector<FindHit>& batch) {
+            hits.insert(hits.end(), batch.begin(), batch.end());
+            return true;
+        }));
+        QCOMPARE(hits.size(), size_t(1));
+        QCOMPARE(hits.front().path, m_tree.path("A/a1.txt"));
+        QCOMPARE(hits.front().bytes, 2048);
     }
 
     void collectionLabel()

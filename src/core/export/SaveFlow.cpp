@@ -133,6 +133,7 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
         writingLabel(QStringLiteral(" Writing files.. "), true);
 
     const QString name = m_input.inputBox(namePrompt());
+    outcome.name = name;
     base.dateLine = ListingFile::dateLineFor(m_today());
 
     std::vector<Planned> plan;

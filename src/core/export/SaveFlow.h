@@ -37,6 +37,7 @@ public:
         QStringList written;                             // full names of the files written, in the order written
         RuntimeError::Number error = RuntimeError::None; // what stopped the save
         bool refused = false;                            // the user declined to replace
+        QString name;                                    // the NAME the files were given
     };
 
     SaveFlow(MessageService& messages, InputService& input, FileOps& ops, CollectionFolder folder = CollectionFolder());

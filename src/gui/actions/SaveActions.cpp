@@ -8,11 +8,14 @@
 #include "panes/ResultPanes.h"
 #include "platform/InputService.h"
 #include "platform/MessageService.h"
+#include "platform/NoticeService.h"
 #include "platform/ShellService.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QLabel>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QPushButton>
 
 SaveActions::SaveActions(const BrowserBehaviour& behaviour, const NavigationControls& navigation,
@@ -71,7 +74,28 @@ void SaveActions::save(SaveFlow::Kind kind)
     }
     // The folder the lists came from, whatever the tree has done since.
     const QString parent = result ? NativeText::toDisplay(result->startPath()) : m_navigation.Label2->text();
-    flow.run(kind, SaveSources{result.get(), m_behaviour.walk, m_status.Label4[3]->text(), parent});
+    const SaveFlow::Outcome outcome =
+        flow.run(kind, SaveSources{result.get(), m_behaviour.walk, m_status.Label4[3]->text(), parent});
+    if (kind == SaveFlow::Kind::Set && result && outcome.error == RuntimeError::None && !outcome.refused)
+        record(result, outcome.name);
+}
+
+void SaveActions::record(std::shared_ptr<const ScanResult> result, const QString& listingName)
+{
+    // The listing files stand whatever happens here; a catalogue that cannot be written is only noticed.
+    QPointer<SaveActions> self(this);
+    m_recordings.add(std::move(result), listingName, [self](const QString& reason) {
+        QMetaObject::invokeMethod(
+            qApp,
+            [self, reason] {
+                if (self && self->m_services.notices)
+                    self->m_services.notices->notice(
+                        QStringLiteral("The listing files are saved, but the scan was not recorded in the "
+                                       "catalogue: ") +
+                        reason);
+            },
+            Qt::QueuedConnection);
+    });
 }
 
 void SaveActions::Label4_Click(int Index)

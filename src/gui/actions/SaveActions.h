@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "catalogue/RecordingQueue.h"
 #include "controls/NavigationControls.h"
 #include "controls/StatusControls.h"
 #include "export/SaveFlow.h"
@@ -13,7 +14,8 @@
 class ResultPanes;
 
 // Saving the listings of a browser window into the collection folder: "Create Text Files", the single-list
-// saves of the context menus, and the offer to open the folder from its label, Label4(1).
+// saves of the context menus, and the offer to open the folder from its label, Label4(1). A set of four saved
+// is also recorded in the catalogue, behind the user's back: the save's own boxes and texts stay as they are.
 class SaveActions : public QObject
 {
     Q_OBJECT
@@ -33,10 +35,13 @@ protected:
 
 private:
     void save(SaveFlow::Kind kind);
+    void record(std::shared_ptr<const ScanResult> result, const QString& listingName);
 
     const BrowserBehaviour& m_behaviour;
     const NavigationControls& m_navigation;
     const StatusControls& m_status;
     const ResultPanes& m_panes;
     Services m_services;
+    // Last, so it is destroyed first: a recording under way finishes before the rest goes.
+    RecordingQueue m_recordings;
 };

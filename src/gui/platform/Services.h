@@ -7,6 +7,7 @@ class CopyProgressService;
 class InputService;
 class MediaPlayer;
 class MessageService;
+class NoticeService;
 class ProgramEnd;
 class ShellService;
 class VolumeService;
@@ -23,4 +24,5 @@ struct Services
     MediaPlayer* player = nullptr;
     ProgramEnd* programEnd = nullptr;
     CopyProgressService* copyProgress = nullptr;
+    NoticeService* notices = nullptr;
 };

@@ -26,5 +26,6 @@ private:
     std::unique_ptr<MediaPlayer> m_player;
     std::unique_ptr<ProgramEnd> m_programEnd;
     std::unique_ptr<CopyProgressService> m_copyProgress;
+    std::unique_ptr<NoticeService> m_notices;
     Services m_services;
 };
