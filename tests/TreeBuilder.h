@@ -94,6 +94,32 @@ public:
         return path("tree");
     }
 
+    // Folders `names`, each inside the one before, below the root, made one name at a time so the chain may reach
+    // past PATH_MAX. Returns a descriptor of the deepest (the caller closes it), or -1.
+    int chain(const QByteArrayList& names) const
+    {
+        int at = ::open(root().constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        for (const QByteArray& name : names) {
+            ::mkdirat(at, name.constData(), 0755);
+            const int next = ::openat(at, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+            ::close(at);
+            if (next < 0)
+                return -1;
+            at = next;
+        }
+        return at;
+    }
+
+    // A file of `size` bytes named `name` in the folder open as `dirFd`.
+    static void fileAt(int dirFd, const char* name, qint64 size = 0)
+    {
+        const int fd = ::openat(dirFd, name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        QVERIFY2(fd >= 0, name);
+        if (size > 0)
+            QCOMPARE(::ftruncate(fd, size), 0);
+        ::close(fd);
+    }
+
 private:
     QTemporaryDir m_dir;
 };

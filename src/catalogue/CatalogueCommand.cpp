@@ -7,6 +7,7 @@
 #include "catalogue/SqliteCatalogue.h"
 #include "catalogue/VolumeProbe.h"
 #include "common/NativeText.h"
+#include "scan/FolderReader.h"
 #include "scan/FolderWalk.h"
 
 #include <QCommandLineParser>
@@ -309,18 +310,19 @@ private:
 
     int add(const QByteArray& folder, bool shortFlavour)
     {
-        if (!QFileInfo(QFile::decodeName(folder)).isDir())
+        // Named as quillary-list names it, so both record one folder under one path, at any length.
+        const QByteArray start = FolderReader::absoluteFolder(folder);
+        if (start.isEmpty())
             return bad(QStringLiteral("Not a folder: %1").arg(NativeText::toDisplay(folder)));
         auto c = open();
         if (!c)
             return Failed;
-        const QByteArray start = QFileInfo(QFile::decodeName(folder)).absoluteFilePath().toLocal8Bit();
         WalkOptions o;
         o.flavour = shortFlavour ? ScanResult::Flavour::Short : ScanResult::Flavour::Long;
         const qint64 startedAt = QDateTime::currentMSecsSinceEpoch();
         QElapsedTimer timer;
         timer.start();
-        const auto result = FolderWalk::run(NativeText::fromDisplay(QFile::decodeName(start)), o);
+        const auto result = FolderWalk::run(start, o);
         QString error;
         const auto id = ScanRecorder::record(*c, {result.get(), startedAt, timer.elapsed(), QString()}, &error);
         if (!id)
@@ -436,10 +438,10 @@ private:
         auto c = open();
         if (!c)
             return Failed;
-        QByteArray start = folder;
-        const QFileInfo fi(QFile::decodeName(folder));
-        if (fi.isDir())
-            start = NativeText::fromDisplay(QFile::decodeName(fi.absoluteFilePath().toLocal8Bit()));
+        // The path add and the lister record the folder under, else the path as given, for a folder gone since.
+        QByteArray start = FolderReader::absoluteFolder(folder);
+        if (start.isEmpty())
+            start = folder;
         QString error;
         auto pair = c->lastTwoScans(start, &error);
         if (!pair && start != folder)

@@ -12,6 +12,7 @@
 #include "export/TempFile.h"
 #include "platform/InputService.h"
 #include "platform/MessageService.h"
+#include "scan/FolderReader.h"
 #include "scan/FolderWalk.h"
 #include "search/ListSearch.h"
 #include "volumes/DriveCaption.h"
@@ -108,36 +109,31 @@ private:
 #ifndef _WIN32
 constexpr char Separator = '/'; // a backslash is an ordinary character in a name here
 
-// The folder as an absolute path of native bytes. realpath cannot give one longer than PATH_MAX; such a
-// folder is named from the current folder instead, which getcwd reaches at any length. The walk opens its start
-// folder by path, which the system refuses past PATH_MAX: until it can open one component by component, such a
-// folder keeps the name it was given, so it is still listed.
+// The folder as an absolute path of native bytes, at any length, as the walk and the catalogue name it. A folder
+// still to be made (--out) is named from the current folder.
 QByteArray absoluteFolder(const QByteArray& arg)
 {
-    if (char* real = ::realpath(arg.constData(), nullptr)) {
-        const QByteArray path(real);
-        std::free(real);
-        return path;
-    }
+    const QByteArray real = FolderReader::absoluteFolder(arg);
+    if (!real.isEmpty())
+        return real;
     QByteArray path = arg;
     if (!path.startsWith(Separator)) {
-        char* cwd = ::getcwd(nullptr, 0);
-        if (!cwd)
+        const QByteArray cwd = FolderReader::currentFolder();
+        if (cwd.isEmpty())
             return arg;
-        path = QByteArray(cwd) + Separator + path;
-        std::free(cwd);
+        path = cwd + Separator + path;
     }
     while (path.endsWith("/."))
         path.chop(2);
     while (path.size() > 1 && path.endsWith(Separator))
         path.chop(1);
-    return path.size() < PATH_MAX ? path : arg;
+    return path;
 }
 
 // 0 when `path` is a folder that can be listed, else the errno that says why not (ENOTDIR: not a folder).
 int listable(const QByteArray& path)
 {
-    const int fd = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK);
+    const int fd = FolderReader::openPath(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0)
         return errno;
     ::close(fd);

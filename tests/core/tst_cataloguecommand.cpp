@@ -4,7 +4,9 @@
 
 #include <QProcess>
 #include <QTest>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -182,6 +184,38 @@ private slots:
         QCOMPARE(r.code, 0);
         QVERIFY(r.err.contains("the scan was not recorded in the catalogue"));
         QVERIFY(QFile::exists(m_home.path() + QStringLiteral("/Quillbox/Files List - blocked.txt")));
+    }
+
+    void aStartFolderPastPathMaxRecordedByItsRealPath()
+    {
+        // Given relative to a current folder past PATH_MAX or through a link, a start folder longer than that is
+        // recorded under one absolute path, which diff finds again.
+        TreeBuilder t;
+        QByteArrayList names;
+        for (int level = 0; level < 40; ++level)
+            names.append(QByteArray(120, char('a' + level % 26)));
+        const int bottom = t.chain(names);
+        QVERIFY(bottom >= 0);
+        TreeBuilder::fileAt(bottom, "f.txt", 7);
+        QCOMPARE(::symlink(names[0].constData(), t.path("hop").constData()), 0);
+        const QByteArray start = t.root() + '/' + names.join('/');
+
+        const int back = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        QVERIFY(::fchdir(bottom) == 0);
+        const Run fromDeep = run({QStringLiteral("add"), QFile::decodeName("../" + names.last())});
+        QVERIFY(::fchdir(back) == 0);
+        ::close(back);
+        ::close(bottom);
+        QCOMPARE(fromDeep.err, QByteArray());
+        QCOMPARE(fromDeep.code, 0);
+        QCOMPARE(run({QStringLiteral("add"), QFile::decodeName(t.path("hop/" + names.mid(1).join('/')))}).code, 0);
+        const Run scans = run({QStringLiteral("scans"), QStringLiteral("--tsv")});
+        QCOMPARE(scans.out.count('\n'), 2);
+        for (const QByteArray& line : scans.out.trimmed().split('\n'))
+            QCOMPARE(line.split('\t').value(5), start);
+        const Run diff = run({QStringLiteral("diff"), QStringLiteral("--tsv"), QFile::decodeName(start)});
+        QCOMPARE(diff.code, 0);
+        QCOMPARE(diff.out, QByteArray("totals\t0\t0\t0\t0\t0\n"));
     }
 
     void diffShowsAChangedFile()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "TreeBuilder.h"
+#include "scan/FolderReader.h"
 #include "scan/FolderWalk.h"
 
 #include <QTest>
@@ -253,6 +254,32 @@ private slots:
         // A start folder reached through a link is walked; the link inside it is still not followed.
         const auto viaLink = FolderWalk::run(t.path("alias"));
         QCOMPARE(strip(lines(*viaLink, L::FilePaths), t.path("alias")), QByteArrayList({"f.txt", "pipe", "up"}));
+    }
+
+    void startFolderNamedAsRealpathNamesIt()
+    {
+        // Named one name at a time, a start folder still gets realpath's name: links resolved, "." and ".."
+        // taken as the system takes them, after a link too. What realpath refuses, or finds no folder, is refused.
+        TreeBuilder t;
+        t.file("a/b/c/f.txt");
+        QCOMPARE(::symlink("..", t.path("a/up").constData()), 0);
+        QCOMPARE(::symlink(t.path("a/b").constData(), t.path("abs").constData()), 0);
+        QCOMPARE(::symlink("hop2", t.path("hop1").constData()), 0);
+        QCOMPARE(::symlink("a/b/c", t.path("hop2").constData()), 0);
+        QCOMPARE(::symlink("loop", t.path("loop").constData()), 0);
+        const QString back = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(QFile::decodeName(t.path("a/b"))));
+        const QByteArrayList paths = {
+            "c/../c/./",   "../up/a/b/c", t.root() + "/abs/c", t.root() + "//hop1/..", ".",         "..", "/", "//",
+            "../../../..", "c/f.txt",     "missing",           t.root() + "/loop/x",   "c/f.txt/.."};
+        for (const QByteArray& p : paths) {
+            char* real = ::realpath(p.constData(), nullptr);
+            struct stat st;
+            const QByteArray expected = real && ::stat(real, &st) == 0 && S_ISDIR(st.st_mode) ? real : "";
+            std::free(real);
+            QCOMPARE(FolderReader::absoluteFolder(p), expected);
+        }
+        QVERIFY(QDir::setCurrent(back));
     }
 
     void shortLimit()

@@ -2,6 +2,7 @@
 
 #include "ListerRun.h"
 #include "TreeBuilder.h"
+#include "scan/FolderReader.h"
 #include "scan/FolderWalk.h"
 
 #include <QSet>
@@ -196,6 +197,62 @@ private slots:
         QCOMPARE(counts[0], wide + combFolders);
         QCOMPARE(counts[1], 400 + 60);
         QCOMPARE(counts[2], 0);
+    }
+
+    void aStartFolderPastPathMaxUnderALowDescriptorLimit()
+    {
+        // A start folder whose path is longer than the system takes, named through a link on the way, is opened a
+        // name at a time; under a limit of 32 its folders are opened again through that path, and the link to
+        // ".." inside it is still not followed.
+        TreeBuilder t;
+        QByteArrayList names;
+        for (int level = 0; level < 36; ++level)
+            names.append(QByteArray(120, char('a' + level % 26)));
+        const int bottom = t.chain(names);
+        QVERIFY(bottom >= 0);
+        QCOMPARE(::symlinkat("..", bottom, "up"), 0);
+        for (int k = 0; k < 100; ++k) {
+            const QByteArray w = "w" + QByteArray::number(k);
+            QCOMPARE(::mkdirat(bottom, w.constData(), 0755), 0);
+            const int fd = ::openat(bottom, w.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            TreeBuilder::fileAt(fd, "f", 1);
+            ::close(fd);
+        }
+        ::close(bottom);
+        QCOMPARE(::symlink(names[0].constData(), t.path("hop").constData()), 0);
+        const QByteArray start = t.root() + "/hop/" + names.mid(1).join('/');
+        QVERIFY(start.size() > PATH_MAX);
+
+        int out[2];
+        QCOMPARE(::pipe(out), 0);
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            const struct rlimit low
+            {
+                32, 32
+            };
+            std::int64_t counts[4] = {-1, -1, -1, -1};
+            if (::setrlimit(RLIMIT_NOFILE, &low) == 0) {
+                WalkOptions o;
+                o.threads = 4;
+                const auto r = FolderWalk::run(start, o);
+                counts[0] = r->folderCount();
+                counts[1] = r->fileCount();
+                counts[2] = std::int64_t(r->unreadableFolders().size());
+                counts[3] = FolderReader::absoluteFolder(start) == t.root() + '/' + names.join('/');
+            }
+            ::_exit(::write(out[1], counts, sizeof counts) == sizeof counts ? 0 : 1);
+        }
+        ::close(out[1]);
+        std::int64_t counts[4] = {};
+        QCOMPARE(::read(out[0], counts, sizeof counts), qint64(sizeof counts));
+        ::close(out[0]);
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+        QCOMPARE(counts[0], 100);
+        QCOMPARE(counts[1], 100 + 1);
+        QCOMPARE(counts[2], 0);
+        QCOMPARE(counts[3], 1);
     }
 
     void mountPointsAreNotEnteredAtAnyDepth()

@@ -9,6 +9,7 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,6 +19,13 @@ QByteArray readAll(const QString& path)
 {
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
+
+// The listing file's text after its date line, which changes at midnight.
+QByteArray afterDate(const QString& path)
+{
+    const QByteArray text = readAll(path);
+    return text.mid(text.indexOf("\r\n") + 2);
 }
 
 } // namespace
@@ -159,6 +167,62 @@ private slots:
             QCOMPARE(QDir(box()).entryList(QDir::Files), before);
         else if (args.first().startsWith(QLatin1String("--name=")))
             QVERIFY(QFile::exists(box() + QStringLiteral("/Files List - joined.txt")));
+    }
+
+    void startFolderPastPathMaxNamedInFull()
+    {
+        // A start folder whose path is longer than the system takes in one call is listed under its absolute
+        // path, given whole or relative to a current folder as deep, through ".", ".." and a link, exactly as a
+        // short one is.
+        TreeBuilder t;
+        QByteArrayList names;
+        for (int level = 0; level < 40; ++level)
+            names.append(QByteArray(120, char('a' + level % 26)));
+        const int bottom = t.chain(names);
+        QVERIFY(bottom >= 0);
+        QVERIFY(::mkdirat(bottom, "sub", 0755) == 0);
+        TreeBuilder::fileAt(bottom, "one.txt", 3000);
+        const int sub = ::openat(bottom, "sub", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        TreeBuilder::fileAt(sub, "three.txt");
+        ::close(sub);
+        ::close(bottom);
+        const int cwd = t.chain(names.mid(0, 38));
+        QVERIFY(::symlinkat(names[38].constData(), cwd, "via") == 0);
+        t.file("short/one.txt", 3000); // the same tree on the same volume, at an ordinary length
+        t.file("short/sub/three.txt");
+
+        const QByteArray start = t.root() + '/' + names.join('/');
+        QVERIFY(start.size() > PATH_MAX);
+        // The short tree's listing gives the line that names the volume, which a long path must not change.
+        const ListerRun shortRun =
+            list({QStringLiteral("--yes"), QStringLiteral("--no-catalogue"), QStringLiteral("--name"),
+                  QStringLiteral("short"), QFile::decodeName(t.path("short"))});
+        QCOMPARE(shortRun.code, 0);
+        const QByteArray shortText = afterDate(box() + QStringLiteral("/Files List WithPath short.txt"));
+        const QByteArray sourceLine = shortText.left(shortText.indexOf("\r\n") + 2);
+        QVERIFY(sourceLine.startsWith("SOURCE: "));
+
+        const int back = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        QVERIFY(::fchdir(cwd) == 0);
+        const QByteArray relative = "./via/../" + names[38] + "/./" + names[39] + "/";
+        const ListerRun fromDeep = list({QStringLiteral("--name"), QStringLiteral("rel"), QFile::decodeName(relative)});
+        QVERIFY(::fchdir(back) == 0);
+        ::close(back);
+        ::close(cwd);
+        const ListerRun whole = list({QStringLiteral("--name"), QStringLiteral("abs"), QFile::decodeName(start)});
+        for (const auto& [run, name] : {std::pair{&fromDeep, "rel"}, std::pair{&whole, "abs"}}) {
+            QCOMPARE(run->err, QByteArray());
+            QCOMPARE(run->code, 0);
+            const QString suffix = QLatin1String(name) + QStringLiteral(".txt");
+            const QByteArray head = sourceLine + "\r\nParent Folder: " + start + "\r\n";
+            QCOMPARE(afterDate(box() + QStringLiteral("/Files List WithPath ") + suffix),
+                     head + "LIST OF ALL FILES (2):\r\n\r\n" + start + "/sub/three.txt\r\n" + start +
+                         "/one.txt\r\n\r\n");
+            QCOMPARE(afterDate(box() + QStringLiteral("/Folders List WithPath ") + suffix),
+                     head + "LIST OF FOLDERS WITH THEIR PATHS (1):\r\n\r\n" + start + "/sub\r\n\r\n");
+            QCOMPARE(afterDate(box() + QStringLiteral("/Files List - ") + suffix),
+                     head + "LIST OF ALL FILES (2):\r\n\r\nthree.txt\r\none.txt\r\n\r\n");
+        }
     }
 
     void unreadableFolderNamedAndListingWritten()

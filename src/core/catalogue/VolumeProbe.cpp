@@ -2,6 +2,7 @@
 
 #include "VolumeProbe.h"
 
+#include "scan/FolderReader.h"
 #include "volumes/VolumeService.h"
 
 #include <QDir>
@@ -32,7 +33,7 @@ QString uuidOfDevice(const QByteArray& device)
 VolumeInfo VolumeProbe::describe(const QByteArray& path)
 {
     const QString display = QFile::decodeName(path);
-    const QStorageInfo storage(display);
+    const QStorageInfo storage(SystemVolumeService::reachableAncestor(display));
     VolumeInfo v;
     v.mountPoint = QFile::encodeName(storage.rootPath());
     v.label = storage.name();
@@ -50,8 +51,8 @@ bool VolumeProbe::isMounted(const ScanInfo& scan)
 {
     if (scan.separator != QDir::separator().toLatin1() && scan.separator != '/')
         return false; // a listing written on another platform
-    const QString start = QFile::decodeName(scan.startPath);
-    if (!QFileInfo(start).isDir())
-        return false;
+    if (FolderReader::absoluteFolder(scan.startPath).isEmpty())
+        return false; // no folder there now, at whatever length
+    const QString start = SystemVolumeService::reachableAncestor(QFile::decodeName(scan.startPath));
     return scan.volume.uuid.isEmpty() || uuidOfDevice(QStorageInfo(start).device()) == scan.volume.uuid;
 }

@@ -16,7 +16,7 @@
 enum class DirState : std::uint8_t { Pending, Read, Unreadable, Vanished, NotEntered };
 
 // How a folder too deep for a path is reached again: by its name below its parent's link. The topmost link of a
-// chain names a whole path, short enough to open.
+// chain names a whole path: the start folder's, which may itself be too long for one call, and a name below it.
 struct FolderLink
 {
     std::shared_ptr<const FolderLink> parent;
@@ -66,6 +66,16 @@ public:
         // The listed folder's own modification time, once it is open.
         virtual void folderTime(std::int64_t mtime) { (void)mtime; }
     };
+
+    // The folder `path` names, absolute or relative to the current folder, as an absolute path without links,
+    // "." or ".." in it, at any length; empty, with errno set, when no folder is there.
+    static QByteArray absoluteFolder(const QByteArray& path);
+    // The current folder as an absolute path, at any length; empty, with errno set, when it cannot be named.
+    static QByteArray currentFolder();
+#ifndef _WIN32
+    // Opens `path` as open() would with `flags`, at any length.
+    static int openPath(const char* path, int flags);
+#endif
 
     // Raises the descriptor limit as far as it goes and settles `start` for a walk with `readers` readers.
     static void prepare(const QByteArray& startPath, int readers, Start& start);

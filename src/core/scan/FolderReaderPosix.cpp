@@ -7,6 +7,7 @@
 #include <chrono>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
@@ -29,6 +30,23 @@ constexpr std::size_t LongPath = 3000;
 constexpr std::size_t ChunkBytes = 3800;
 
 const int DirFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+// A folder on the way to another is only searched, never read: opened for nothing more, it needs no more
+// permission than the system's own walk along a path does.
+#if defined(O_PATH)
+const int PassFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+#elif defined(O_SEARCH)
+const int PassFlags = O_SEARCH | O_DIRECTORY | O_CLOEXEC;
+#else
+const int PassFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+#endif
+// How a descriptor names its own folder to the *at calls.
+#ifdef AT_EMPTY_PATH
+const char* const Self = "";
+const int SelfFlags = AT_EMPTY_PATH;
+#else
+const char* const Self = ".";
+const int SelfFlags = 0;
+#endif
 
 #ifdef __linux__
 struct Dirent64
@@ -48,8 +66,8 @@ void loadMountPoints(const QByteArray& startPath, FolderReader::Start& start)
         return;
     start.mountsBelow = false;
     // The table names mount points by their real paths; the start folder may be reached through a link.
-    char real[PATH_MAX];
-    std::string prefix = ::realpath(startPath.constData(), real) ? std::string(real) : startPath.toStdString();
+    const QByteArray real = FolderReader::absoluteFolder(startPath);
+    std::string prefix = (real.isEmpty() ? startPath : real).toStdString();
     if (prefix.empty() || prefix.back() != FolderReader::Separator)
         prefix.push_back(FolderReader::Separator);
     std::string line;
@@ -75,8 +93,15 @@ void loadMountPoints(const QByteArray& startPath, FolderReader::Start& start)
             continue;
         start.mountsBelow = true;
         struct stat st;
-        if (::stat(point.c_str(), &st) == 0)
-            start.mountRoots.emplace(std::uint64_t(st.st_dev), std::uint64_t(st.st_ino));
+        if (point.size() < PATH_MAX) {
+            // stat, not open: a mount point waiting to be mounted on demand stays as it is.
+            if (::stat(point.c_str(), &st) == 0)
+                start.mountRoots.emplace(std::uint64_t(st.st_dev), std::uint64_t(st.st_ino));
+        } else if (const int fd = FolderReader::openPath(point.c_str(), PassFlags); fd >= 0) {
+            if (::fstat(fd, &st) == 0)
+                start.mountRoots.emplace(std::uint64_t(st.st_dev), std::uint64_t(st.st_ino));
+            ::close(fd);
+        }
     }
 }
 
@@ -152,13 +177,13 @@ struct EntryInfo
     std::int64_t mtime; // seconds since 1970 UTC
 };
 
-// `follow`: the entry may be a link to follow (only the start folder may).
-bool statEntry(int dfd, const char* name, bool wantMountId, EntryInfo& info, bool follow = false)
+// `atFlags`: AT_SYMLINK_NOFOLLOW for an entry below the start folder, which is never followed if a link.
+bool statEntry(int dfd, const char* name, bool wantMountId, EntryInfo& info, int atFlags = AT_SYMLINK_NOFOLLOW)
 {
 #ifdef __linux__
     struct statx sx;
     const unsigned mask = STATX_TYPE | STATX_SIZE | STATX_INO | STATX_MTIME | (wantMountId ? STATX_MNT_ID : 0);
-    if (::statx(dfd, name, (follow ? 0 : AT_SYMLINK_NOFOLLOW) | AT_NO_AUTOMOUNT, mask, &sx) == 0) {
+    if (::statx(dfd, name, atFlags | AT_NO_AUTOMOUNT, mask, &sx) == 0) {
         info.dir = S_ISDIR(sx.stx_mode);
         info.size = sx.stx_size;
         info.mtime = std::int64_t(sx.stx_mtime.tv_sec);
@@ -172,7 +197,7 @@ bool statEntry(int dfd, const char* name, bool wantMountId, EntryInfo& info, boo
         return false;
 #endif
     struct stat st;
-    if (::fstatat(dfd, name, &st, follow ? 0 : AT_SYMLINK_NOFOLLOW) != 0)
+    if (::fstatat(dfd, name, &st, atFlags) != 0)
         return false;
     info.dir = S_ISDIR(st.st_mode);
     info.size = std::uint64_t(st.st_size);
@@ -235,7 +260,220 @@ int openBelow(int dfd, std::string& relative)
     return at;
 }
 
+// The name, in the folder open as `dfd`, of the folder whose device and inode are `self`'s; empty when none is.
+// Every folder is looked at, not only one whose listed inode matches: where a file system is mounted on a folder,
+// the listing gives the inode beneath it.
+std::string nameIn(int dfd, const struct stat& self)
+{
+    std::string found;
+    const int fd = ::openat(dfd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return found;
+    std::vector<char> buffer(16 * 1024);
+    forEachEntry(fd, buffer, [&](const char* name, unsigned char type) {
+        struct stat st;
+        if (found.empty() && (type == DT_DIR || type == DT_UNKNOWN) &&
+            ::fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) == 0 && st.st_dev == self.st_dev && st.st_ino == self.st_ino)
+            found = name;
+    });
+    ::close(fd);
+    return found;
+}
+
+// The names of `path` between its separators, pushed so that the first is at the back of `names`.
+void pushNames(std::string_view path, std::vector<std::string>& names)
+{
+    std::size_t end = path.size();
+    for (std::size_t cut = path.rfind(FolderReader::Separator); cut != std::string_view::npos;
+         cut = cut ? path.rfind(FolderReader::Separator, cut - 1) : std::string_view::npos) {
+        names.emplace_back(path.substr(cut + 1, end - cut - 1));
+        end = cut;
+    }
+    names.emplace_back(path.substr(0, end));
+}
+
+// Replaces the descriptor `at` with `next`; false, leaving `at` as it was, when `next` failed.
+bool moveTo(int& at, int next)
+{
+    if (next < 0)
+        return false;
+    ::close(at);
+    at = next;
+    return true;
+}
+
 } // namespace
+
+QByteArray FolderReader::currentFolder()
+{
+    // glibc's getcwd names a current folder past the system's own limit (a page) by itself.
+    if (char* cwd = ::getcwd(nullptr, 0)) {
+        QByteArray path(cwd);
+        std::free(cwd);
+        return path;
+    }
+    if (errno != ENAMETOOLONG && errno != ERANGE)
+        return {};
+    // Other C libraries stop there. Then the path is found by climbing "..": each folder is named by the entry of
+    // its parent with its device and inode, up to the root, which is its own parent. Unlike the system's own
+    // answer this needs each folder above to be readable, so it is the last resort.
+    std::vector<std::string> names;
+    int at = ::open(".", PassFlags);
+    int error = 0;
+    while (at >= 0) {
+        struct stat self, up;
+        if (::fstat(at, &self) != 0 || !moveTo(at, ::openat(at, "..", PassFlags)) || ::fstat(at, &up) != 0) {
+            error = errno;
+            break;
+        }
+        if (self.st_dev == up.st_dev && self.st_ino == up.st_ino)
+            break;
+        names.push_back(nameIn(at, self));
+        if (names.back().empty()) {
+            error = ENOENT; // moved or removed while it was named
+            break;
+        }
+    }
+    if (at < 0)
+        return {};
+    ::close(at);
+    if (error) {
+        errno = error;
+        return {};
+    }
+    QByteArray path;
+    for (auto it = names.rbegin(); it != names.rend(); ++it)
+        path.append(Separator).append(it->data(), qsizetype(it->size()));
+    return path.isEmpty() ? QByteArray(1, Separator) : path;
+}
+
+QByteArray FolderReader::absoluteFolder(const QByteArray& path)
+{
+    // What realpath does, but by single names below descriptors rather than by whole paths, so no length is too
+    // long. The names kept so far are free of links, "." and "..", so ".." drops the last of them and opens the
+    // parent the system knows, which is the same folder; a link's target takes the link's place among the names
+    // still to go, from the root if it is absolute.
+    if (path.isEmpty()) {
+        errno = ENOENT;
+        return {};
+    }
+    std::vector<std::string> kept, todo;
+    int at = -1;
+    if (path.startsWith(Separator)) {
+        at = ::open("/", PassFlags);
+    } else {
+        const QByteArray cwd = currentFolder();
+        if (cwd.isEmpty())
+            return {};
+        pushNames(std::string_view(cwd.constData() + 1, size_t(cwd.size() - 1)), kept);
+        std::reverse(kept.begin(), kept.end());
+        if (cwd.size() == 1)
+            kept.clear();
+        at = ::open(".", PassFlags);
+    }
+    if (at < 0)
+        return {};
+    pushNames(std::string_view(path.constData(), size_t(path.size())), todo);
+    constexpr int MaxLinks = 40; // as many as Linux follows along one path
+    int links = 0;
+    int error = 0;
+    std::string target;
+    while (!todo.empty() && !error) {
+        const std::string name = std::move(todo.back());
+        todo.pop_back();
+        if (name.empty() || name == ".")
+            continue;
+        struct stat st;
+        if (name == "..") {
+            if (!kept.empty())
+                kept.pop_back();
+        } else if (::fstatat(at, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+            error = errno;
+            break;
+        } else if (S_ISLNK(st.st_mode)) {
+            if (++links > MaxLinks) {
+                error = ELOOP;
+                break;
+            }
+            target.resize(std::max<std::size_t>(std::size_t(st.st_size), 64) + 1);
+            ssize_t n;
+            while ((n = ::readlinkat(at, name.c_str(), target.data(), target.size())) == ssize_t(target.size()))
+                target.resize(target.size() * 2);
+            if (n < 0) {
+                error = errno;
+                break;
+            }
+            target.resize(std::size_t(n));
+            if (!target.empty() && target.front() == Separator) {
+                kept.clear();
+                if (!moveTo(at, ::open("/", PassFlags)))
+                    error = errno;
+            }
+            pushNames(target, todo);
+            continue;
+        } else if (!S_ISDIR(st.st_mode)) {
+            error = ENOTDIR;
+            break;
+        } else {
+            kept.push_back(name);
+        }
+        if (!moveTo(at, ::openat(at, name.c_str(), PassFlags | O_NOFOLLOW)))
+            error = errno;
+    }
+    ::close(at);
+    if (error) {
+        errno = error;
+        return {};
+    }
+    QByteArray absolute;
+    for (const std::string& name : kept)
+        absolute.append(Separator).append(name.data(), qsizetype(name.size()));
+    return absolute.isEmpty() ? QByteArray(1, Separator) : absolute;
+}
+
+int FolderReader::openPath(const char* path, int flags)
+{
+    // One name at a time from the root or the current folder, so no call meets the system's limit on a path.
+    // Each name on the way is followed if a link, as the system follows it along a path, and a ".." goes up from
+    // where the names so far have led, as it does there too; only the last name is opened with `flags`, so
+    // O_NOFOLLOW refuses a link there and nowhere else, as it does for a whole path.
+    const char* p = path;
+    int at = AT_FDCWD;
+    if (*p == Separator) {
+        while (*p == Separator)
+            ++p;
+        if (!*p)
+            return openPatiently([&] { return ::open("/", flags); });
+        at = openPatiently([&] { return ::open("/", PassFlags); });
+        if (at < 0)
+            return -1;
+    } else if (!*p) {
+        errno = ENOENT;
+        return -1;
+    }
+    std::string name;
+    for (;;) {
+        const char* end = std::strchr(p, Separator);
+        if (!end)
+            end = p + std::strlen(p);
+        name.assign(p, end);
+        while (*end == Separator)
+            ++end;
+        const bool last = !*end;
+        const int fd = openPatiently([&] { return ::openat(at, name.c_str(), last ? flags : PassFlags); });
+        const int error = errno;
+        if (at != AT_FDCWD)
+            ::close(at);
+        if (fd < 0) {
+            errno = error;
+            return -1;
+        }
+        if (last)
+            return fd;
+        at = fd;
+        p = end;
+    }
+}
 
 void FolderReader::prepare(const QByteArray& startPath, int readers, Start& start)
 {
@@ -252,11 +490,16 @@ void FolderReader::prepare(const QByteArray& startPath, int readers, Start& star
     const long free = limit - openDescriptors() - 4L * readers - 8;
     start.spareDescriptors = std::max(0L, free / 2);
 
+    // Reached as the walk reaches it, links and all, so a path of any length gives its device.
     EntryInfo info;
-    if (statEntry(AT_FDCWD, startPath.constData(), true, info, true)) {
-        start.device = info.device;
-        start.mountIds = info.hasMountId;
-        start.mountId = info.mountId;
+    const int fd = openPath(startPath.constData(), PassFlags);
+    if (fd >= 0) {
+        if (statEntry(fd, Self, true, info, SelfFlags)) {
+            start.device = info.device;
+            start.mountIds = info.hasMountId;
+            start.mountId = info.mountId;
+        }
+        ::close(fd);
     }
     loadMountPoints(startPath, start);
 }
@@ -296,7 +539,7 @@ int FolderReader::openChain(const FolderLink& link)
     for (const FolderLink* l = &link; l; l = l->parent.get())
         chain.push_back(l);
     std::reverse(chain.begin(), chain.end());
-    int fd = openPatiently([&] { return ::open(chain.front()->name.c_str(), DirFlags); });
+    int fd = openPath(chain.front()->name.c_str(), DirFlags); // under a start folder of any length
     for (std::size_t k = 1; k < chain.size() && fd >= 0;) {
         m_chunk.clear();
         do {
@@ -341,7 +584,8 @@ bool FolderReader::list(const FolderPlace& place, bool isStart, DirState& state,
     } else {
         // Links below the start folder are never followed; the start folder itself may be reached through one.
         const int flags = isStart ? DirFlags & ~O_NOFOLLOW : DirFlags;
-        m_fd = openPatiently([&] { return ::open(place.path.c_str(), flags); });
+        m_fd = isStart ? openPath(place.path.c_str(), flags)
+                       : openPatiently([&] { return ::open(place.path.c_str(), flags); });
     }
     if (m_fd < 0) {
         error = errno;

@@ -4,7 +4,10 @@
 
 #include "common/NativeText.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QString>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 
@@ -68,4 +71,19 @@ void FolderReader::openChild(const FolderPlace& parent, std::string_view name, F
     if (child.path.empty() || child.path.back() != Separator)
         child.path.push_back(Separator);
     child.path.append(name);
+}
+
+QByteArray FolderReader::absoluteFolder(const QByteArray& path)
+{
+    const QFileInfo info(NativeText::toDisplay(path));
+    if (!info.isDir()) {
+        errno = info.exists() ? ENOTDIR : ENOENT;
+        return {};
+    }
+    return NativeText::fromDisplay(QDir::toNativeSeparators(info.absoluteFilePath()));
+}
+
+QByteArray FolderReader::currentFolder()
+{
+    return NativeText::fromDisplay(QDir::toNativeSeparators(QDir::currentPath()));
 }

@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QSet>
 #include <QStorageInfo>
+#include <algorithm>
+#include <climits>
 
 QString Volume::driveText() const
 {
@@ -112,5 +114,19 @@ bool SystemVolumeService::shown(const QByteArray& fileSystemType, const QString&
 
 Volume SystemVolumeService::volumeOf(const QString& path) const
 {
-    return toVolume(QStorageInfo(path));
+    return toVolume(QStorageInfo(reachableAncestor(path)));
+}
+
+QString SystemVolumeService::reachableAncestor(const QString& path)
+{
+    // QStorageInfo resolves the path it is given whole and knows nothing past PATH_MAX. The ancestor is on the
+    // same volume unless a file system is mounted between the two, deeper than any path the system could name.
+#ifdef PATH_MAX
+    const QByteArray bytes = QFile::encodeName(path);
+    if (bytes.size() >= PATH_MAX) {
+        const qsizetype cut = bytes.lastIndexOf('/', PATH_MAX - 1);
+        return QFile::decodeName(bytes.left(std::max<qsizetype>(cut, 1)));
+    }
+#endif
+    return path;
 }

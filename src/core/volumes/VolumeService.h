@@ -46,4 +46,7 @@ public:
     // Whether a mount of `fileSystemType` at `root` is offered as a drive: not a pseudo or kernel file system,
     // and a folder (containers bind-mount single files such as /etc/hosts).
     static bool shown(const QByteArray& fileSystemType, const QString& root);
+    // What to ask the system about the volume of `path`: the path itself, or past the length the system takes in
+    // one call, its longest ancestor within it.
+    static QString reachableAncestor(const QString& path);
 };
