@@ -9,50 +9,15 @@
 
 namespace {
 
-inline char upperAscii(char c)
-{
-    return (c >= 'a' && c <= 'z') ? char(c - 32) : c;
-}
-
 std::u16string upperUnits(const QString& text)
 {
-    std::u16string out(size_t(text.size()), u'\0');
-    for (qsizetype i = 0; i < text.size(); ++i)
-        out[size_t(i)] = char16_t(text.at(i).toUpper().unicode());
-    return out;
+    const QString upper = NativeText::upperUnits(text);
+    return std::u16string(reinterpret_cast<const char16_t*>(upper.utf16()), size_t(upper.size()));
 }
 
 std::u16string upperUnits(std::string_view name)
 {
     return upperUnits(NativeText::toDisplay(name));
-}
-
-// `needle` is upper-case ASCII and not empty.
-bool containsAsciiFolded(std::string_view hay, std::string_view needle)
-{
-    if (needle.size() > hay.size())
-        return false;
-    const char first = needle[0];
-    const char firstLower = (first >= 'A' && first <= 'Z') ? char(first + 32) : first;
-    const std::size_t last = hay.size() - needle.size();
-    for (std::size_t i = 0; i <= last; ++i) {
-        if (hay[i] != first && hay[i] != firstLower)
-            continue;
-        std::size_t j = 1;
-        while (j < needle.size() && upperAscii(hay[i + j]) == needle[j])
-            ++j;
-        if (j == needle.size())
-            return true;
-    }
-    return false;
-}
-
-bool isAscii(std::string_view s)
-{
-    for (const char c : s)
-        if (static_cast<unsigned char>(c) >= 0x80)
-            return false;
-    return true;
 }
 
 } // namespace
@@ -89,17 +54,17 @@ NameMatcher::NameMatcher(const QString& text, bool glob) : m_glob(glob)
     const QByteArray bytes = NativeText::fromDisplay(text);
     fold(std::string_view(bytes.constData(), size_t(bytes.size())), m_foldedNeedle);
     m_upperNeedle = upperUnits(text);
-    m_asciiNeedle = isAscii(m_foldedNeedle);
+    m_asciiNeedle = NativeText::isAscii(m_foldedNeedle);
     grams(m_foldedNeedle, m_required);
 }
 
 void NameMatcher::fold(std::string_view name, std::string& out)
 {
     out.clear();
-    if (isAscii(name)) {
+    if (NativeText::isAscii(name)) {
         out.resize(name.size());
         for (std::size_t i = 0; i < name.size(); ++i)
-            out[i] = upperAscii(name[i]);
+            out[i] = NativeText::upperAscii(name[i]);
         return;
     }
     QString text = NativeText::toDisplay(name);
@@ -127,8 +92,8 @@ bool NameMatcher::matches(std::string_view name) const
         return true;
     if (m_glob)
         return globMatch(upperUnits(name));
-    if (isAscii(name)) // the common case: no decoding, no allocation
-        return m_asciiNeedle && containsAsciiFolded(name, m_foldedNeedle);
+    if (NativeText::isAscii(name)) // the common case: no decoding, no allocation
+        return m_asciiNeedle && NativeText::containsAsciiUpper(name, m_foldedNeedle);
     // Upper-casing may turn a non-ASCII letter into an ASCII one (dotless i, long s), so these go the long way.
     return upperUnits(name).find(m_upperNeedle) != std::u16string::npos;
 }

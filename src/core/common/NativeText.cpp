@@ -48,6 +48,25 @@ bool isAscii(std::string_view bytes)
     return true;
 }
 
+bool containsAsciiUpper(std::string_view hay, std::string_view upperNeedle)
+{
+    if (upperNeedle.size() > hay.size())
+        return false;
+    const char first = upperNeedle[0];
+    const char firstLower = (first >= 'A' && first <= 'Z') ? char(first + 32) : first;
+    const std::size_t last = hay.size() - upperNeedle.size();
+    for (std::size_t i = 0; i <= last; ++i) {
+        if (hay[i] != first && hay[i] != firstLower)
+            continue;
+        std::size_t j = 1;
+        while (j < upperNeedle.size() && upperAscii(hay[i + j]) == upperNeedle[j])
+            ++j;
+        if (j == upperNeedle.size())
+            return true;
+    }
+    return false;
+}
+
 QString upperUnits(QStringView text)
 {
     QString out(text.size(), Qt::Uninitialized);

@@ -36,6 +36,16 @@ bool isAscii(std::string_view bytes);
 // and "ﬁ" stay as they are rather than becoming "SS" and "FI".
 QString upperUnits(QStringView text);
 
+// The same upper case for ASCII bytes, which map onto themselves or onto another ASCII byte.
+inline char upperAscii(char c)
+{
+    return (c >= 'a' && c <= 'z') ? char(c - 32) : c;
+}
+
+// Whether the ASCII bytes `hay` hold `upperNeedle` (upper-case ASCII, not empty) in any case: the search of the
+// lists and of the catalogue in the common case, without decoding or allocating.
+bool containsAsciiUpper(std::string_view hay, std::string_view upperNeedle);
+
 // Number of UTF-16 units `toDisplay` would produce.
 qsizetype displayLength(std::string_view bytes);
 

@@ -10,30 +10,6 @@
 
 namespace {
 
-inline char upperAscii(char c)
-{
-    return (c >= 'a' && c <= 'z') ? char(c - 32) : c;
-}
-
-// `needle` is upper-case ASCII; `hay` is ASCII.
-bool containsAscii(std::string_view hay, std::string_view needle)
-{
-    if (needle.size() > hay.size())
-        return false;
-    const char first = needle[0];
-    const std::size_t last = hay.size() - needle.size();
-    for (std::size_t i = 0; i <= last; ++i) {
-        if (upperAscii(hay[i]) != first)
-            continue;
-        std::size_t j = 1;
-        while (j < needle.size() && upperAscii(hay[i + j]) == needle[j])
-            ++j;
-        if (j == needle.size())
-            return true;
-    }
-    return false;
-}
-
 struct Needle
 {
     explicit Needle(const QString& text) : upper(NativeText::upperUnits(text))
@@ -48,7 +24,7 @@ struct Needle
     bool test(std::string_view item) const
     {
         if (NativeText::isAscii(item))
-            return ascii && containsAscii(item, bytes);
+            return ascii && NativeText::containsAsciiUpper(item, bytes);
         // Upper-casing may turn a non-ASCII letter into an ASCII one (dotless i, long s), so these go the long way.
         return NativeText::upperUnits(NativeText::toDisplay(item)).contains(upper);
     }
