@@ -57,7 +57,9 @@ void ResizeRule::restoreDesignValues()
 
 // The maximised window: the panes, their frames and labels, the search section and the player take the window's
 // width in the proportions of the wide design (all four panes in view), and its height down to the path frame,
-// which keeps its height along the bottom edge and stretches its boxes and the go-to frame with the width.
+// which keeps its height along the bottom edge and stretches its boxes and the go-to frame's buttons and boxes with
+// the width. The search section's controls share out its new height as they shared its design height; the folder
+// and file pictures beside the path labels go down with the path frame and keep their place by the labels.
 void ResizeRule::stretchToWindow()
 {
     const BrowserLayout& layout = m_flavour.layout;
@@ -68,39 +70,52 @@ void ResizeRule::stretchToWindow()
     const double sy = newBandTop / double(bandTop);
 
     const bool firstTime = m_normalPlaces.isEmpty();
-    auto place = [&](QWidget* w, bool stretchHeight, bool stretchWidth = true) {
+    auto designPlace = [&](QWidget* w) {
         if (!w)
-            return;
+            return QRect();
         const QRect design = layout.rect(w->objectName());
         if (design.isNull())
-            return;
+            return QRect();
         if (firstTime)
             m_normalPlaces.append({w, w->geometry()});
-        const QRect px = Twips::toPx(design);
-        const int top = w->parentWidget() == &m_window ? qRound(px.y() * sy) : px.y();
-        w->setGeometry(qRound(px.x() * sx), top, stretchWidth ? qRound(px.width() * sx) : w->width(),
+        return Twips::toPx(design);
+    };
+    // `ty` scales the top: `sy` in a parent as much taller as the window, 1 in the path frame.
+    auto place = [&](QWidget* w, double ty, bool stretchHeight, bool stretchWidth = true) {
+        const QRect px = designPlace(w);
+        if (px.isNull())
+            return;
+        w->setGeometry(qRound(px.x() * sx), qRound(px.y() * ty), stretchWidth ? qRound(px.width() * sx) : w->width(),
                        stretchHeight ? qRound(px.height() * sy) : w->height());
     };
     for (int n = 1; n <= 4; ++n)
-        place(m_window.findChild<QWidget*>(m_flavour.behaviour.paneName(n)), true);
+        place(m_window.findChild<QWidget*>(m_flavour.behaviour.paneName(n)), sy, true);
     for (QWidget* w : std::initializer_list<QWidget*>{m_ui.status.Frame4, m_ui.status.Label5, m_ui.status.Label1[1],
                                                       m_ui.mode.Label10})
-        place(w, false);
+        place(w, sy, false);
     QFrame* search = m_ui.search.Frame1;
-    place(search, true);
+    place(search, sy, true);
     for (QWidget* w : search->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-        place(w, w == m_ui.search.List5);
-    place(m_ui.player.playerFrame, false, false);
-    for (QWidget* w : std::initializer_list<QWidget*>{m_ui.mode.modeFrame, m_ui.mode.Image3, m_ui.mode.Image4})
-        place(w, false, false);
+        place(w, sy, w == m_ui.search.List5);
+    place(m_ui.player.playerFrame, sy, false, false);
+    place(m_ui.mode.modeFrame, sy, false, false);
+    for (QWidget* w : std::initializer_list<QWidget*>{m_ui.mode.Image3, m_ui.mode.Image4}) {
+        const QRect px = designPlace(w);
+        if (!px.isNull())
+            w->move(px.x(), px.y() + newBandTop - bandTop);
+    }
 
     QFrame* pathFrame = m_ui.paths.pathFrame;
     if (firstTime)
         m_normalPlaces.append({pathFrame, pathFrame->geometry()});
     pathFrame->setGeometry(0, newBandTop, m_window.width(), pathFrame->height());
     for (QWidget* w : std::initializer_list<QWidget*>{m_ui.paths.Text1, m_ui.paths.Text2, m_ui.goTo.Frame5})
-        place(w, false);
+        place(w, 1, false);
+    if (m_ui.goTo.Frame5) {
+        for (QWidget* w : m_ui.goTo.Frame5->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            place(w, 1, false);
+    }
     for (QWidget* w : std::initializer_list<QWidget*>{m_ui.paths.Label8, m_ui.status.Label11, m_ui.status.Label4[1],
                                                       m_ui.goTo.Image1})
-        place(w, false, false);
+        place(w, 1, false, false);
 }
