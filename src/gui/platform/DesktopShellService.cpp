@@ -8,7 +8,6 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QProcess>
 #include <QUrl>
 
@@ -49,12 +48,7 @@ DesktopShellService::DesktopShellService(const Setup& setup) : m_setup(setup) {}
 
 void DesktopShellService::notice(const QString& text)
 {
-    auto* box = new QMessageBox(QMessageBox::Warning, QApplication::applicationDisplayName(), text, QMessageBox::Ok,
-                                QApplication::activeWindow());
-    box->setObjectName(QStringLiteral("ShellNotice"));
-    box->setWindowModality(Qt::NonModal);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->show();
+    m_notices.notice(text);
 }
 
 void DesktopShellService::runOpener(const QString& target, std::function<void(const QString& reason)> failed)
@@ -88,7 +82,7 @@ bool DesktopShellService::open(const QString& path)
     // The system's own shell reports what it cannot open.
     return QDesktopServices::openUrl(NativeText::fileUrl(path));
 #else
-    runOpener(path, [path](const QString& reason) {
+    runOpener(path, [this, path](const QString& reason) {
         notice(QStringLiteral("Cannot open ") + quoted(path) + QStringLiteral(".\n\n") + reason);
     });
     return true;
@@ -99,7 +93,7 @@ void DesktopShellService::openContainingFolder(const QString& path)
 {
     // A folder given with its separator is shown itself; anything else in the folder that holds it.
     const QString folder = path.endsWith(QLatin1Char('/')) ? path : QFileInfo(path).path();
-    runOpener(folder, [path](const QString& reason) {
+    runOpener(folder, [this, path](const QString& reason) {
         notice(QStringLiteral("Cannot show ") + quoted(path) +
                QStringLiteral(".\n\nNo file manager answers, and its folder could not be opened: ") + reason);
     });

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "QtNoticeService.h"
 #include "platform/ShellService.h"
 
 #include <QObject>
@@ -33,7 +34,8 @@ private:
     // Runs the opener on `target`; on failure `failed` gets the reason.
     void runOpener(const QString& target, std::function<void(const QString& reason)> failed);
     void openContainingFolder(const QString& path);
-    static void notice(const QString& text);
+    void notice(const QString& text);
 
     Setup m_setup;
+    QtNoticeService m_notices{QStringLiteral("ShellNotice")};
 };

@@ -12,8 +12,9 @@ QtNoticeService::~QtNoticeService()
 void QtNoticeService::notice(const QString& text)
 {
     if (!m_box) {
-        m_box = new QMessageBox(QMessageBox::Information, QApplication::applicationDisplayName(), text, QMessageBox::Ok,
+        m_box = new QMessageBox(QMessageBox::Warning, QApplication::applicationDisplayName(), text, QMessageBox::Ok,
                                 QApplication::activeWindow());
+        m_box->setObjectName(m_objectName);
         m_box->setWindowModality(Qt::NonModal);
         m_box->setAttribute(Qt::WA_DeleteOnClose);
     }

@@ -12,9 +12,12 @@
 class QtNoticeService : public NoticeService
 {
 public:
+    // `objectName` names the box, so what shows it can be told apart (the shell's notices, the recordings').
+    explicit QtNoticeService(const QString& objectName = QStringLiteral("Notice")) : m_objectName(objectName) {}
     ~QtNoticeService() override;
     void notice(const QString& text) override;
 
 private:
+    QString m_objectName;
     QPointer<QMessageBox> m_box;
 };
