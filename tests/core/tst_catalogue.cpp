@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "CatalogueFixture.h"
+#include "catalogue/NameMatcher.h"
 #include "catalogue/SqliteCatalogue.h"
 
 #include <QFile>
@@ -146,6 +147,8 @@ private slots:
         row("sharp s stays itself", QStringLiteral("SS"), false, false, {});
         row("accent upper-cased", QStringLiteral("CAF\u00c9"), false, false, {"caf\xc3\xa9"});
         row("odd byte matches itself", QString(QChar(0xDCE9)), false, false, {"x\xe9y.bin"});
+        row("ASCII text in an accented name", QStringLiteral("aF"), false, false, {"caf\xc3\xa9"});
+        row("ASCII text beside an odd byte", QStringLiteral("Y.B"), false, false, {"x\xe9y.bin"});
         row("star is literal", QStringLiteral("a*b"), false, false, {"a*b.txt"});
         row("no match", QStringLiteral("zzz"), false, false, {});
         row("glob whole name", QStringLiteral("*.JPG"), false, false, {});
@@ -171,6 +174,19 @@ private slots:
         q.glob = glob;
         q.matchPath = path;
         QCOMPARE(names(*c, q), expected);
+    }
+
+    // Dotless i and long s are the only letters beyond ASCII that upper-case into it: a name holding them is
+    // found by I and S, whatever else the needle is made of.
+    void lettersThatBecomeAscii()
+    {
+        for (const char* needle : {"MIST", "mist", "ist", "T"}) {
+            const NameMatcher m(QString::fromLatin1(needle), false);
+            QVERIFY2(m.matches("m\xc4\xb1\xc5\xbft"), needle); // "mıſt"
+        }
+        // Other letters stay apart from the ASCII around them.
+        QVERIFY(!NameMatcher(QStringLiteral("MT"), false).matches("m\xc3\xa9t"));
+        QVERIFY(!NameMatcher(QStringLiteral("MIT"), false).matches("m\xc3\xadt"));
     }
 
     void filters_data()

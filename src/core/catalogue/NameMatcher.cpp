@@ -55,6 +55,11 @@ NameMatcher::NameMatcher(const QString& text, bool glob) : m_glob(glob)
     fold(std::string_view(bytes.constData(), size_t(bytes.size())), m_foldedNeedle);
     m_upperNeedle = upperUnits(text);
     m_asciiNeedle = NativeText::isAscii(m_foldedNeedle);
+    // In a decoded name, units below 0x80 come from ASCII bytes alone, and of the other units only dotless i and
+    // long s upper-case into ASCII (to I and S). So for a needle without those two letters, a name's raw bytes,
+    // ASCII-folded, hold the needle exactly when its upper-cased units do: no decoding for any name, which is
+    // most of the time a search over millions of names with accents or other scripts takes.
+    m_bytesSuffice = m_asciiNeedle && m_foldedNeedle.find_first_of("IS") == std::string::npos;
     grams(m_foldedNeedle, m_required);
 }
 
@@ -92,6 +97,8 @@ bool NameMatcher::matches(std::string_view name) const
         return true;
     if (m_glob)
         return globMatch(upperUnits(name));
+    if (m_bytesSuffice)
+        return NativeText::containsAsciiUpper(name, m_foldedNeedle);
     if (NativeText::isAscii(name)) // the common case: no decoding, no allocation
         return m_asciiNeedle && NativeText::containsAsciiUpper(name, m_foldedNeedle);
     // Upper-casing may turn a non-ASCII letter into an ASCII one (dotless i, long s), so these go the long way.

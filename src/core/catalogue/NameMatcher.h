@@ -33,6 +33,8 @@ private:
     bool m_glob = false;
     bool m_everything = false;
     bool m_asciiNeedle = false;
+    // The needle is ASCII without I or S: the raw bytes of any name decide, decoded or not (see the constructor).
+    bool m_bytesSuffice = false;
     std::string m_foldedNeedle;   // substring mode
     std::u16string m_upperNeedle; // substring mode, for names that are not plain ASCII
     std::u16string m_pattern;     // glob mode
