@@ -140,6 +140,18 @@ inline QAction* entry(const BrowserWindow& w, const QString& name)
     return w.findChild<QAction*>(name);
 }
 
+// The menu entry of the window's flavour: the list boxes' name or the grids' one.
+inline QAction* entry(const BrowserWindow& w, const QString& shortName, const QString& longName)
+{
+    return entry(w, w.flavour().behaviour.panes == BrowserBehaviour::Panes::Grids ? longName : shortName);
+}
+
+// Option1 opens what is double-clicked, Option2 locates it.
+inline void setOpenMode(BrowserWindow& w, bool open)
+{
+    (open ? w.controls().mode.Option1 : w.controls().mode.Option2)->setChecked(true);
+}
+
 inline QString collectionPath()
 {
     return QFile::decodeName(qgetenv("HOME")) + u"/Quillbox"_s;
