@@ -157,42 +157,24 @@ private slots:
         QCOMPARE(::rename(QByteArray(odd + "-gone").constData(), odd.constData()), 0);
     }
 
-    // The caption for each kind of drive, and the type Command1 reports for it.
-    void driveCaptions_data()
+    // Command1 names the kind of the current drive. The caption for each kind is the drive caption's own test.
+    void driveTypeMessage_data()
     {
-        QTest::addColumn<int>("typeCode");
-        QTest::addColumn<QString>("label");
-        QTest::addColumn<bool>("ready");
-        QTest::addColumn<QString>("caption"); // with %1 for the upper-cased drive text
+        QTest::addColumn<DriveType>("type");
         QTest::addColumn<QString>("typeText");
-        QTest::newRow("fixed, labelled") << 2 << "Data" << true << " %1: HD DRIVE "
-                                         << "Fixed";
-        QTest::newRow("fixed, no label") << 2 << "" << true << " %1: HD DRIVE "
-                                         << "Fixed";
-        QTest::newRow("removable, labelled") << 1 << "Stick" << true << " CD/ DVD Volume: STICK "
-                                             << "Removable";
-        QTest::newRow("removable, no label") << 1 << "" << true << " %1: HD DRIVE "
-                                             << "Removable";
-        QTest::newRow("cd, no disc") << 4 << "" << false << " CD/ DVD Volume: EMPTY "
-                                     << "CD/ DVD";
-        QTest::newRow("network, labelled") << 3 << "share" << true << " CD/ DVD Volume: SHARE "
-                                           << "Network";
-        QTest::newRow("ram disk") << 5 << "" << true << " %1: HD DRIVE "
-                                  << "RAM Disk";
-        QTest::newRow("unknown code") << 7 << "odd" << true << " CD/ DVD Volume: ODD "
-                                      << "";
+        QTest::newRow("fixed") << DriveType::Fixed << u"Fixed"_s;
+        QTest::newRow("removable") << DriveType::Removable << u"Removable"_s;
+        QTest::newRow("cd") << DriveType::CdDvd << u"CD/ DVD"_s;
+        QTest::newRow("network") << DriveType::Network << u"Network"_s;
+        QTest::newRow("ram disk") << DriveType::RamDisk << u"RAM Disk"_s;
+        QTest::newRow("unknown code") << DriveType(7) << QString();
     }
-    void driveCaptions()
+    void driveTypeMessage()
     {
-        QFETCH(int, typeCode);
-        QFETCH(QString, label);
-        QFETCH(bool, ready);
-        QFETCH(QString, caption);
+        QFETCH(DriveType, type);
         QFETCH(QString, typeText);
-        const Volume v{m_fixed, label, DriveType(typeCode), ready};
-        m_fakes.volumes.list = {v};
+        m_fakes.volumes.list = {{m_fixed, u"Data"_s, type, true}};
         auto w = window(m_fakes, false);
-        QCOMPARE(w->controls().status.Label4[3]->text(), caption.arg(v.driveText().toUpper()));
         w->controls().navigation.Command1->click();
         QCOMPARE(m_fakes.messages.texts(), QStringList{u"0|The drive is of the type "_s + typeText});
     }
