@@ -11,7 +11,8 @@
 using namespace BrowserTestKit;
 
 // The search section of both windows: where its results and count land, and what a click and a double-click on
-// a result do. What matches and how a result line reads are the list search's own tests.
+// a result do. What matches and how a result line reads are the list search's own tests (tst_listsearch); which
+// file names play is tst_itemactions'.
 class TestSearch : public QObject
 {
     Q_OBJECT
@@ -112,11 +113,11 @@ private slots:
         QTest::keyClick(ui.search.List5, Qt::Key_Up);
         QCOMPARE(w->panes().currentRow(2), 1);
         QCOMPARE(ui.paths.Text1->text(), u"/d/My Photos"_s);
-        ui.mode.Option1->setChecked(true);
+        setOpenMode(*w, true);
         clickResult(*w, 0, true);
         QCOMPARE(m_fakes.shell.opened, QStringList{u"/d/My Photos"_s});
 
-        ui.mode.Option2->setChecked(true);
+        setOpenMode(*w, false);
         search(*w, u".mp3"_s, false);
         const int closes = m_fakes.player.closes;
         clickResult(*w, 0, true);
@@ -125,14 +126,10 @@ private slots:
         QCOMPARE(ui.paths.Text2->text(), u"/d/song.mp3"_s);
         QCOMPARE(m_fakes.shell.located, QStringList{u"/d/song.mp3"_s});
         QCOMPARE(m_fakes.player.closes, closes + 1);
-        ui.mode.Option1->setChecked(true);
+        setOpenMode(*w, true);
         clickResult(*w, 0, true);
         QCOMPARE(m_fakes.player.urls, QStringList{u"/d/song.mp3"_s});
         QVERIFY(ui.player.playerFrame->isVisible());
-        search(*w, u"ab"_s, false);
-        clickResult(*w, 0, true);
-        QCOMPARE(m_fakes.shell.opened.last(), u"/d/ab.txt"_s);
-        QVERIFY(ui.player.playerFrame->isHidden());
         QVERIFY(m_fakes.messages.calls.isEmpty());
     }
 
@@ -192,14 +189,12 @@ private slots:
         QTest::mouseClick(w->controls().navigation.Label9Com, Qt::LeftButton);
 
         search(*w, u"six"_s, false);
-        QCOMPARE(lines(*w), QStringList{u"# 100005. six"_s});
         clickResult(*w, 0);
         QCOMPARE(w->panes().currentRow(3), 9999);
         QCOMPARE(w->controls().paths.Text2->text(), u"/big/f9999"_s);
         QVERIFY(m_fakes.messages.calls.isEmpty());
 
         search(*w, u"needle"_s, false);
-        QCOMPARE(lines(*w), QStringList{u"# 40000. needle"_s});
         clickResult(*w, 0);
         QCOMPARE(m_fakes.messages.texts(), QStringList{u"16|Run-time error '6':\r\n\r\nOverflow"_s});
         QCOMPARE(m_fakes.programEnd.count, 1);
