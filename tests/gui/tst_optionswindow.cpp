@@ -44,45 +44,40 @@ private slots:
         m_fakes.volumes.list = {{m_home.path(), u"HOME"_s, DriveType::Fixed, true}};
     }
 
+    // An administrator is not asked; a user is, and No ends the program before the window is ever shown.
+    void startUp_data()
+    {
+        QTest::addColumn<bool>("admin");
+        QTest::addColumn<Answer>("answer");
+        QTest::newRow("administrator") << true << Answer::Yes;
+        QTest::newRow("user going on") << false << Answer::Yes;
+        QTest::newRow("user stopping") << false << Answer::No;
+    }
     void startUp()
     {
-        // Administrator: no question, the window shows.
-        {
-            OptionsWindow w(m_fakes.services());
-            w.start();
-            QVERIFY(m_fakes.messages.calls.isEmpty());
-            QCOMPARE(label3(w), u" Running as Administrator "_s);
-            QVERIFY(w.isVisible());
-            QCOMPARE(w.windowTitle(), u"QUILLARY 4.50"_s);
-        }
-        // A user answering Yes goes on with reduced rights.
-        m_fakes.admin.admin = false;
-        {
-            m_fakes.messages.answers = {Answer::Yes};
-            OptionsWindow w(m_fakes.services());
-            w.start();
-            QCOMPARE(m_fakes.messages.texts(),
-                     QStringList{u"36|Administrator privileges are required to run this application.\r\n"
-                                 "Restart this application as Administrator. Users with administrator\r\n"
-                                 "rights have access to all system files.\r\n\r\n"
-                                 "Would you still like to open the program as a 'User'?"_s});
+        QFETCH(bool, admin);
+        QFETCH(Answer, answer);
+        m_fakes.admin.admin = admin;
+        m_fakes.messages.answers = {answer};
+        OptionsWindow w(m_fakes.services());
+        w.start();
+        QCOMPARE(w.windowTitle(), u"QUILLARY 4.50"_s);
+        QCOMPARE(label3(w), admin ? u" Running as Administrator "_s : u" Running as User "_s);
+        QCOMPARE(w.isVisible(), answer == Answer::Yes);
+        QCOMPARE(m_fakes.programEnd.count, answer == Answer::Yes ? 0 : 1);
+        QCOMPARE(m_fakes.messages.texts(),
+                 admin ? QStringList()
+                       : QStringList{u"36|Administrator privileges are required to run this application.\r\n"
+                                     "Restart this application as Administrator. Users with administrator\r\n"
+                                     "rights have access to all system files.\r\n\r\n"
+                                     "Would you still like to open the program as a 'User'?"_s});
+        if (!admin)
             QCOMPARE(m_fakes.messages.calls.first().title, u"Quillary 4.50"_s);
-            QCOMPARE(label3(w), u" Running as User "_s);
-            QVERIFY(w.isVisible());
-            QVERIFY(!m_fakes.programEnd.ended());
-            // The load step runs once only: showing the window again asks nothing.
+        // The load step runs once only: showing the window again asks nothing.
+        if (answer == Answer::Yes) {
             w.hide();
             w.start();
-            QCOMPARE(m_fakes.messages.calls.size(), 1);
-        }
-        // No ends the program before the window is ever shown.
-        {
-            m_fakes.messages.answers = {Answer::No};
-            OptionsWindow w(m_fakes.services());
-            w.start();
-            QCOMPARE(m_fakes.programEnd.count, 1);
-            QVERIFY(!w.isVisible());
-            QCOMPARE(label3(w), u" Running as User "_s);
+            QCOMPARE(m_fakes.messages.calls.size(), admin ? 0 : 1);
         }
     }
 
@@ -104,7 +99,7 @@ private slots:
         QVERIFY(about.text.contains(u" for more.\r\n"_s + QString(13, u' ') + u"Email: "_s));
     }
 
-    void optionsOpenBrowsersOnce()
+    void optionsOpenBrowsersOnceAndCloseEnds()
     {
         OptionsWindow w(m_fakes.services());
         w.start();
@@ -133,8 +128,16 @@ private slots:
         clickOption(w, 0);
         QCOMPARE(w.shortBrowser(), shortBrowser);
         QCOMPARE(shortBrowser->controls().paths.Text1->text(), u"kept"_s);
-        QVERIFY(m_fakes.messages.calls.isEmpty());
         QCOMPARE(m_fakes.programEnd.count, 0);
+
+        // Options closed while the browsers are loaded but hidden: the whole program ends, nothing is asked. The
+        // browsers' close boxes do the same.
+        QTest::mouseClick(picture(*shortBrowser, "Image6"), Qt::LeftButton);
+        w.close();
+        QCOMPARE(m_fakes.programEnd.count, 1);
+        w.longBrowser()->close();
+        QCOMPARE(m_fakes.programEnd.count, 2);
+        QVERIFY(m_fakes.messages.calls.isEmpty());
     }
 
     // As a classic option button, the whole 3660 x 285 twips band answers, not only the circle and the caption.
@@ -157,21 +160,6 @@ private slots:
         QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(option->width() - 2, option->height() - 2));
         QCOMPARE(index == 0 ? w.shortBrowser() != nullptr : w.longBrowser() != nullptr, true);
         QVERIFY(!w.isVisible());
-    }
-
-    void closeBoxEndsProgram()
-    {
-        OptionsWindow w(m_fakes.services());
-        w.start();
-        clickOption(w, 1);
-        QTest::mouseClick(picture(*w.longBrowser(), "Image6"), Qt::LeftButton);
-        // Options closed while a browser is loaded but hidden: the whole program ends, nothing is asked.
-        w.close();
-        QCOMPARE(m_fakes.programEnd.count, 1);
-        QVERIFY(m_fakes.messages.calls.isEmpty());
-        // The browsers' close boxes do the same.
-        w.longBrowser()->close();
-        QCOMPARE(m_fakes.programEnd.count, 2);
     }
 };
 
