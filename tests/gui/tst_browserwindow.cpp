@@ -206,7 +206,6 @@ private slots:
         QVERIFY2(shown.startsWith(kept) || shown.endsWith(kept), qPrintable(shown));
         QVERIFY(shown.contains(QChar(0x2026)));
         QVERIFY(caption->fontMetrics().horizontalAdvance(shown) <= caption->contentsRect().width());
-        QCOMPARE(caption->geometry(), Twips::toPx(QRect(105, 450, 2265, 195)));
 
         // Wide enough, it shows whole.
         caption->resize(caption->fontMetrics().horizontalAdvance(whole) + 10, caption->height());
@@ -248,8 +247,6 @@ private slots:
         QTRY_VERIFY(ui.paths.Label8->isEnabled());
         for (auto it = normal.cbegin(); it != normal.cend(); ++it)
             QCOMPARE(it.key()->geometry(), it.value());
-        QCOMPARE(pane(*w, 3)->width(), Twips::toPx(4800));
-        QCOMPARE(ui.paths.Text1->width(), Twips::toPx(7740));
         QCOMPARE(ui.player.playerFrame->x(), Twips::toPx(longVersion ? 30 : 165));
     }
 
