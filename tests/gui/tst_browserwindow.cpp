@@ -229,10 +229,7 @@ private slots:
         QCOMPARE(w->height(), height);
 
         // Maximised, the panes, the search section and the path frame fill the window and the toggle cannot change
-        // the width; back to normal, every control stands where it stood.
-        QHash<QWidget*, QRect> normal;
-        for (QWidget* child : w->findChildren<QWidget*>())
-            normal.insert(child, child->geometry());
+        // the width. That restoring puts every control back is tst_maximisedlayout's.
         w->showMaximized();
         QTRY_VERIFY(w->isMaximized());
         QTRY_VERIFY(!ui.paths.Label8->isEnabled());
@@ -245,8 +242,6 @@ private slots:
         QVERIFY(ui.search.Frame1->geometry().right() <= paths.right() + 1);
         w->showNormal();
         QTRY_VERIFY(ui.paths.Label8->isEnabled());
-        for (auto it = normal.cbegin(); it != normal.cend(); ++it)
-            QCOMPARE(it.key()->geometry(), it.value());
         QCOMPARE(ui.player.playerFrame->x(), Twips::toPx(longVersion ? 30 : 165));
     }
 
