@@ -72,16 +72,6 @@ private slots:
         QCOMPARE(ListSearch::matches({item.constData(), size_t(item.size())}, text), found);
     }
 
-    void resultLinesAndCounts()
-    {
-        QCOMPARE(ListSearch::resultLine(42, QStringLiteral("C:\\DATA\\PHOTOS")),
-                 QStringLiteral("# 00042. C:\\DATA\\PHOTOS"));
-        QCOMPARE(ListSearch::resultLine(1, QStringLiteral("x")), QStringLiteral("# 00001. x"));
-        QCOMPARE(ListSearch::resultLine(123456, QStringLiteral("x")), QStringLiteral("# 123456. x"));
-        QCOMPARE(ListSearch::countCaption(SearchResult::Kind::Folders, 3), QStringLiteral(" Folders Found: 3 "));
-        QCOMPARE(ListSearch::countCaption(SearchResult::Kind::Files, 0), QStringLiteral(" Files Found: 0 "));
-    }
-
     void searchesTheNameLists()
     {
         auto scan = scanOf({"Photos", "music", "PHOTOGRAPHS"}, {"a.jpg", "photo.png", "b.txt", "Photo2.PNG"});
