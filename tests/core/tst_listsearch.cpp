@@ -44,6 +44,7 @@ private slots:
         row("upper case item", "PHOTOGRAPHS", QStringLiteral("photo"), true);
         row("longer than item", "phot", QStringLiteral("photo"), false);
         row("one letter", "A", QStringLiteral("a"), true);
+        row("lower-case item, a to z", "jazz band", QStringLiteral("AZZ BA"), true);
         row("no wildcards", "Abc", QStringLiteral("a*"), false);
         row("star as itself", "xA*y", QStringLiteral("a*"), true);
         row("accented item", "caf\xc3\xa9", QStringLiteral("CAFÉ"), true);
