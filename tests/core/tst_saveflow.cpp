@@ -196,6 +196,7 @@ private slots:
         // A later file gone while the first is there: the earlier ones count as open.
         QTest::newRow("file 3 gone, Yes")
             << 2 << Answer::Yes << S << QStringList{q, QStringLiteral("0: 55\r\nFile already open")} << 55 << false;
+        QTest::newRow("file 2 gone, Cancel") << 1 << Answer::Cancel << S << QStringList{q, no, ok} << 0 << true;
         QTest::newRow("file 3 gone, No: written all the same")
             << 2 << Answer::No << S << QStringList{q, no, ok} << 0 << true;
         QTest::newRow("file 1 gone: no question") << 0 << Answer::No << S << QStringList{ok} << 0 << true;
