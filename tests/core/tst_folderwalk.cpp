@@ -77,6 +77,7 @@ private slots:
         QTest::newRow("same upper case: bytes") << QByteArray("B") << QByteArray("b");
         QTest::newRow("'.' before '1'") << QByteArray("a.txt") << QByteArray("a1.txt");
         QTest::newRow("prefix first") << QByteArray("a") << QByteArray("a_");
+        QTest::newRow("z as Z, before '_'") << QByteArray("z") << QByteArray("_");
         QTest::newRow("e-acute after ASCII") << QByteArray("z") << QByteArray("\xc3\xa9");
         QTest::newRow("accented prefix first") << QByteArray("\xc3\xa9t\xc3\xa9") << QByteArray("\xc3\x89t\xc3\xa9s");
         QTest::newRow("accented, same upper case: bytes") << QByteArray("\xc3\x89") << QByteArray("\xc3\xa9");
