@@ -5,8 +5,9 @@
 #include <QProcess>
 #include <QStringList>
 
-// One run of quillary-list (QUILLARY_LIST) with HOME pointed at `home` (unset when `home` is null), optionally behind
-// `prefix` (a shell that sets a limit or passes bytes that are not UTF-8, a switch to another user).
+// One run of quillary-list (QUILLARY_LIST), or of another program, with HOME pointed at `home` (unset when `home` is
+// null), optionally behind `prefix` (a shell that sets a limit or passes bytes that are not UTF-8, a switch to another
+// user).
 struct ListerRun
 {
     int code = -1;
@@ -15,6 +16,20 @@ struct ListerRun
 
     ListerRun(const QString& home, const QStringList& args, const QStringList& prefix = {})
     {
+        run(prefix + QStringList{QStringLiteral(QUILLARY_LIST)} + args, home);
+    }
+    // Another of the programs, `program`, run the same way.
+    static ListerRun of(const QString& program, const QString& home, const QStringList& args)
+    {
+        ListerRun r;
+        r.run(QStringList{program} + args, home);
+        return r;
+    }
+
+private:
+    ListerRun() = default;
+    void run(const QStringList& all, const QString& home)
+    {
         QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         if (home.isNull())
@@ -22,12 +37,11 @@ struct ListerRun
         else
             env.insert(QStringLiteral("HOME"), home);
         p.setProcessEnvironment(env);
-        const QStringList all = prefix + QStringList{QStringLiteral(QUILLARY_LIST)} + args;
         p.start(all.first(), all.mid(1));
-        if (!p.waitForFinished(60000))
+        if (!p.waitForFinished(120000))
             return;
-        code = p.exitCode();
         status = p.exitStatus();
+        code = status == QProcess::NormalExit ? p.exitCode() : -1;
         out = p.readAllStandardOutput();
         err = p.readAllStandardError();
     }

@@ -8,8 +8,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <fcntl.h>
+#include <functional>
 #include <random>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 // Builds folder trees for tests inside a temporary folder, with names as raw bytes.
@@ -118,6 +120,36 @@ public:
         if (size > 0)
             QCOMPARE(::ftruncate(fd, size), 0);
         ::close(fd);
+    }
+
+    // Sets the modification (and access) time of `path`, a link itself when it is one.
+    static bool setTime(const QByteArray& path, qint64 seconds)
+    {
+        const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+        return ::utimensat(AT_FDCWD, path.constData(), times, AT_SYMLINK_NOFOLLOW) == 0;
+    }
+
+    // Runs `work` in a child process (to lower a limit or drop privileges there alone) and gives what it returned;
+    // nothing when the child did not get that far.
+    static QByteArray inChild(const std::function<QByteArray()>& work)
+    {
+        int fds[2];
+        if (::pipe(fds) != 0)
+            return {};
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            ::close(fds[0]);
+            const QByteArray out = work();
+            ::_exit(::write(fds[1], out.constData(), size_t(out.size())) == out.size() ? 0 : 1);
+        }
+        ::close(fds[1]);
+        QByteArray out;
+        char buf[4096];
+        for (ssize_t n; (n = ::read(fds[0], buf, sizeof buf)) > 0;)
+            out.append(buf, n);
+        ::close(fds[0]);
+        ::waitpid(pid, nullptr, 0);
+        return out;
     }
 
 private:

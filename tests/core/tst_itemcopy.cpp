@@ -39,12 +39,6 @@ QStringList temporaries(const QByteArray& folder)
 
 constexpr time_t OldTime = 978307200; // 1 January 2001
 
-bool setTime(const QByteArray& path)
-{
-    const timespec times[2] = {{OldTime, 0}, {OldTime, 0}};
-    return ::utimensat(AT_FDCWD, path.constData(), times, 0) == 0;
-}
-
 enum Fault { OntoItself, HardLink, Unreadable, FullDisk };
 
 qint64 sizeOf(const QByteArray& path)
@@ -83,7 +77,7 @@ private slots:
         // A set-user-ID program copied (by root, say) loses the bit, and keeps its date.
         write(src.path("tool"), "#!/bin/sh\n");
         QCOMPARE(::chmod(src.path("tool").constData(), 06755), 0);
-        QVERIFY(setTime(src.path("tool")));
+        QVERIFY(TreeBuilder::setTime(src.path("tool"), OldTime));
         QCOMPARE(ItemCopy::copyFile(src.path("tool"), box.path("tool")), 0);
         struct stat st;
         QCOMPARE(::stat(box.path("tool").constData(), &st), 0);
@@ -113,7 +107,7 @@ private slots:
         box.file("Album/b.jpg");
         box.file("Album/c.jpg");
         QCOMPARE(::mkfifo(src.path("Album/pipe").constData(), 0644), 0);
-        QVERIFY(setTime(src.path("Album/deeper")));
+        QVERIFY(TreeBuilder::setTime(src.path("Album/deeper"), OldTime));
 
         QList<QByteArray> asked, problems;
         QList<Reply> replies{Reply::No, Reply::Yes, Reply::No};

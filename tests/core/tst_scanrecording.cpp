@@ -9,16 +9,6 @@
 #include <map>
 #include <sys/stat.h>
 
-namespace {
-
-void setTime(const QByteArray& path, qint64 seconds)
-{
-    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
-    QCOMPARE(::utimensat(AT_FDCWD, path.constData(), times, AT_SYMLINK_NOFOLLOW), 0);
-}
-
-} // namespace
-
 // A real walk carries each file's and folder's size in bytes and modification time into the catalogue.
 class TestScanRecording : public QObject
 {
@@ -32,12 +22,12 @@ private slots:
         t.file("docs/b.bin", 70000);
         t.file("top.txt", 5);
         t.file("music/\xe9t\xe9.mp3", 12);
-        setTime(t.path("docs/deep/a.txt"), 1000000000);
-        setTime(t.path("docs/b.bin"), 1100000000);
-        setTime(t.path("top.txt"), 1200000000);
-        setTime(t.path("music/\xe9t\xe9.mp3"), 1300000000);
-        setTime(t.path("docs/deep"), 1400000000);
-        setTime(t.path("docs"), 1500000000);
+        QVERIFY(TreeBuilder::setTime(t.path("docs/deep/a.txt"), 1000000000));
+        QVERIFY(TreeBuilder::setTime(t.path("docs/b.bin"), 1100000000));
+        QVERIFY(TreeBuilder::setTime(t.path("top.txt"), 1200000000));
+        QVERIFY(TreeBuilder::setTime(t.path("music/\xe9t\xe9.mp3"), 1300000000));
+        QVERIFY(TreeBuilder::setTime(t.path("docs/deep"), 1400000000));
+        QVERIFY(TreeBuilder::setTime(t.path("docs"), 1500000000));
 
         const auto r = FolderWalk::run(t.root());
         QCOMPARE(r->nodeBytes(0), 73017);

@@ -60,12 +60,13 @@ private slots:
         QCOMPARE(NumberText::seconds(12000), QStringLiteral("12"));
         QCOMPARE(NumberText::seconds(0), QStringLiteral("0"));
         QCOMPARE(NumberText::seconds(1234567), QStringLiteral("1234.567")); // no group separator
-        qint32 kb = -1;
-        QVERIFY(NumberText::kilobytes(1536, kb) && kb == 2);
-        QVERIFY(NumberText::kilobytes(2560, kb) && kb == 2);
-        QVERIFY(NumberText::kilobytes(511, kb) && kb == 0);
-        QVERIFY(NumberText::kilobytes(5632, kb) && kb == 6);
-        QVERIFY(NumberText::kilobytes(quint64(2147483647) * 1024, kb) && kb == 2147483647);
+        qint32 kb = -1;                                                     // halves to the even number
+        for (const auto& [bytes, want] : {std::pair<quint64, qint32>{1536, 2},
+                                          {2560, 2},
+                                          {511, 0},
+                                          {5632, 6},
+                                          {quint64(2147483647) * 1024, 2147483647}})
+            QVERIFY2(NumberText::kilobytes(bytes, kb) && kb == want, qPrintable(QString::number(bytes)));
         kb = 7;
         QVERIFY(!NumberText::kilobytes(quint64(2147483648) * 1024, kb));
         QCOMPARE(kb, 7); // left as it was

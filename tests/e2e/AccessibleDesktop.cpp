@@ -134,21 +134,6 @@ QString AccessibleNode::text() const
     return content;
 }
 
-int AccessibleNode::rowCount() const
-{
-    if (AtspiTable* table = isNull() ? nullptr : atspi_accessible_get_table_iface(as(m_object))) {
-        GError* error = nullptr;
-        const int rows = atspi_table_get_n_rows(table, &error);
-        g_clear_error(&error);
-        g_object_unref(table);
-        return rows;
-    }
-    GError* error = nullptr;
-    const int count = isNull() ? 0 : atspi_accessible_get_child_count(as(m_object), &error);
-    g_clear_error(&error);
-    return count;
-}
-
 QString AccessibleNode::cell(int row) const
 {
     if (isNull())

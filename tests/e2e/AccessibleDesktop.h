@@ -30,8 +30,7 @@ public:
 
     // What an editable box holds.
     QString text() const;
-    // Rows of a list or a grid and the text at one of them, in the first column.
-    int rowCount() const;
+    // The text at one row of a list or a grid, in its first column.
     QString cell(int row) const;
 
     // The first node below this one (depth first) that `match` accepts. The rows of lists, grids and trees are
