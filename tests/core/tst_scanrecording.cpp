@@ -7,6 +7,7 @@
 
 #include <QTest>
 #include <map>
+#include <set>
 #include <sys/stat.h>
 
 // A real walk carries each file's and folder's size in bytes and modification time into the catalogue.
@@ -68,6 +69,39 @@ private slots:
         expect("docs/deep", 3000, 1400000000);
         expect("docs", 73000, 1500000000);
         QCOMPARE(found.size(), size_t(7));
+    }
+
+    // A walk's result is indexed on a thread of its own while its entries are written: over many blocks, the
+    // index finds what a search that reads every name finds (a path search goes without the index).
+    void indexBuiltAsideFindsWhatAFullReadFinds()
+    {
+        TreeBuilder t;
+        for (int i = 0; i < 700; ++i)
+            t.file(QByteArray("d") + QByteArray::number(i % 9) + "/n" + QByteArray::number(i) +
+                   (i % 7 ? "-plain.txt" : "-NeedLe.\xc3\xa9t\xc3\xa9"));
+        const auto r = FolderWalk::run(t.root());
+        QTemporaryDir dir;
+        auto c = SqliteCatalogue::open(dir.filePath(QStringLiteral("catalogue.sqlite")));
+        QVERIFY(ScanRecorder::record(*c, {r.get(), 0, 0, {}}));
+        const auto paths = [&](const QString& text, bool matchPath) {
+            FindQuery q;
+            q.text = text;
+            q.matchPath = matchPath;
+            std::set<QByteArray> out;
+            c->find(q, [&](std::vector<FindHit>& batch) {
+                for (const FindHit& h : batch)
+                    out.insert(h.path);
+                return true;
+            });
+            return out;
+        };
+        for (const QString& text : {QStringLiteral("needle"), QStringLiteral("9-pl"), QStringLiteral("\u00c9T\u00c9"),
+                                    QStringLiteral("n69-")}) {
+            const std::set<QByteArray> indexed = paths(text, false);
+            QVERIFY2(!indexed.empty(), qPrintable(text));
+            QCOMPARE(indexed, paths(text, true));
+        }
+        QCOMPARE(paths(QStringLiteral("needle"), false).size(), size_t(100));
     }
 };
 

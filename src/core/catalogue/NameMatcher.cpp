@@ -79,14 +79,19 @@ void NameMatcher::fold(std::string_view name, std::string& out)
     out.assign(bytes.constData(), size_t(bytes.size()));
 }
 
-void NameMatcher::grams(std::string_view folded, std::vector<std::uint32_t>& out)
+void NameMatcher::appendGrams(std::string_view folded, std::vector<std::uint32_t>& out)
 {
-    out.clear();
     if (folded.size() < 3)
         return;
     const auto* p = reinterpret_cast<const unsigned char*>(folded.data());
     for (std::size_t i = 0; i + 3 <= folded.size(); ++i)
         out.push_back((std::uint32_t(p[i]) << 16) | (std::uint32_t(p[i + 1]) << 8) | p[i + 2]);
+}
+
+void NameMatcher::grams(std::string_view folded, std::vector<std::uint32_t>& out)
+{
+    out.clear();
+    appendGrams(folded, out);
     std::sort(out.begin(), out.end());
     out.erase(std::unique(out.begin(), out.end()), out.end());
 }

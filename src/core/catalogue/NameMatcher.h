@@ -24,6 +24,8 @@ public:
     static void fold(std::string_view name, std::string& out);
     // The distinct three-byte pieces of `folded`, as 24-bit numbers, sorted.
     static void grams(std::string_view folded, std::vector<std::uint32_t>& out);
+    // The same pieces appended to `out` as they come, repeats and all, for a caller that sorts many names' at once.
+    static void appendGrams(std::string_view folded, std::vector<std::uint32_t>& out);
     // Pieces every match contains; empty when the text is too short to narrow anything.
     const std::vector<std::uint32_t>& requiredGrams() const { return m_required; }
 

@@ -21,6 +21,7 @@ public:
     {
         return {m_result.fileNode(i), m_result.fileName(i), m_result.fileBytes(i), m_result.fileMtime(i)};
     }
+    bool readsConcurrently() const override { return true; }
 
 private:
     const ScanResult& m_result;

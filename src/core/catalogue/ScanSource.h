@@ -27,4 +27,7 @@ public:
     virtual qint64 fileCount() const = 0;
     virtual Entry folder(qint64 index) const = 0;
     virtual Entry file(qint64 index) const = 0;
+    // True when two threads may read entries at once (names then stay valid as long as the source): a recording
+    // then builds its search index on a thread of its own beside the one that writes the entries.
+    virtual bool readsConcurrently() const { return false; }
 };

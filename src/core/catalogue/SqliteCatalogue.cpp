@@ -12,7 +12,9 @@
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
+#include <atomic>
 #include <sqlite3.h>
+#include <thread>
 
 namespace {
 
@@ -40,24 +42,72 @@ static_assert(std::size(Migrations) == SqliteCatalogue::SchemaVersion);
 class GramCollector
 {
 public:
+    // Every name of `source` but the start folder's, which is never a hit, in the blocks the entries are stored
+    // in; false when `stop` was set before the end.
+    bool collect(const ScanSource& source, const std::atomic_bool& stop)
+    {
+        const qint64 folders = source.folderCount();
+        const qint64 total = folders + source.fileCount();
+        for (qint64 k = 1; k < total; ++k) {
+            if (k % EntryBlock::Size == 0) {
+                endBlock(k / EntryBlock::Size - 1);
+                if (stop.load(std::memory_order_relaxed))
+                    return false;
+            }
+            addName(k < folders ? source.folder(k).name : source.file(k - folders).name);
+        }
+        endBlock((total - 1) / EntryBlock::Size);
+        finish();
+        return true;
+    }
+
     void addName(std::string_view name)
     {
         NameMatcher::fold(name, m_folded);
-        NameMatcher::grams(m_folded, m_nameGrams);
-        m_blockGrams.insert(m_blockGrams.end(), m_nameGrams.begin(), m_nameGrams.end());
+        m_nameGrams.clear();
+        NameMatcher::appendGrams(m_folded, m_nameGrams);
+        // A block's distinct pieces, kept apart by one bit per possible piece rather than by sorting each block.
+        for (const std::uint32_t g : m_nameGrams) {
+            std::uint64_t& word = m_inBlock[g >> 6];
+            const std::uint64_t bit = std::uint64_t(1) << (g & 63);
+            if (!(word & bit)) {
+                word |= bit;
+                m_blockGrams.push_back(g);
+            }
+        }
     }
     void endBlock(qint64 seq)
     {
-        std::sort(m_blockGrams.begin(), m_blockGrams.end());
-        m_blockGrams.erase(std::unique(m_blockGrams.begin(), m_blockGrams.end()), m_blockGrams.end());
-        for (const std::uint32_t g : m_blockGrams)
+        for (const std::uint32_t g : m_blockGrams) {
             m_pairs.push_back((std::uint64_t(g) << 32) | std::uint64_t(seq));
+            m_inBlock[g >> 6] = 0;
+        }
         m_blockGrams.clear();
+        m_sorted = false;
     }
+    // Sorts by piece in two stable passes of 12 bits: block numbers were added in ascending order, so each
+    // piece's list stays ascending, in linear time over millions of pairs.
+    void finish()
+    {
+        if (m_sorted)
+            return;
+        std::vector<std::uint64_t> spare(m_pairs.size());
+        for (const int shift : {32, 44}) {
+            std::vector<std::size_t> start(4097, 0);
+            for (const std::uint64_t p : m_pairs)
+                ++start[((p >> shift) & 0xFFF) + 1];
+            for (std::size_t d = 1; d < start.size(); ++d)
+                start[d] += start[d - 1];
+            for (const std::uint64_t p : m_pairs)
+                spare[start[(p >> shift) & 0xFFF]++] = p;
+            m_pairs.swap(spare);
+        }
+        m_sorted = true;
+    }
+
     bool write(sqlite3* db, qint64 scanId)
     {
-        // Block numbers were added in ascending order, so sorting by piece keeps each list ascending.
-        std::sort(m_pairs.begin(), m_pairs.end());
+        finish();
         SqliteStatement insert(db, "INSERT INTO gram(scan_id, gram, blocks) VALUES (?, ?, ?)");
         std::vector<std::uint32_t> blocks;
         std::string encoded;
@@ -82,8 +132,10 @@ public:
 private:
     std::string m_folded;
     std::vector<std::uint32_t> m_nameGrams;
+    std::vector<std::uint64_t> m_inBlock = std::vector<std::uint64_t>(std::size_t(1) << 18); // 2^24 pieces
     std::vector<std::uint32_t> m_blockGrams;
     std::vector<std::uint64_t> m_pairs;
+    bool m_sorted = true;
 };
 
 void setError(QString* error, const QString& text)
@@ -252,13 +304,32 @@ std::optional<qint64> SqliteCatalogue::record(const ScanInfo& info, const ScanSo
     const bool indexed = m_version >= 2;
     EntryBlock::Writer writer(info.scannedAtMs / 1000);
     GramCollector grams;
+    // Where the source allows it, the search index is built on a second thread while this one writes the
+    // entries: the two take about as long, so the recording takes half the time. Whatever way this function
+    // is left, that thread is stopped and joined first.
+    struct SideThread
+    {
+        std::atomic_bool stop = false;
+        bool done = false;
+        std::thread thread;
+        ~SideThread()
+        {
+            stop = true;
+            if (thread.joinable())
+                thread.join();
+        }
+    } side;
+    const bool aside = indexed && source.readsConcurrently();
+    if (aside)
+        side.thread = std::thread([&] { side.done = grams.collect(source, side.stop); });
+
     SqliteStatement insert(m_db, "INSERT INTO block(scan_id, seq, data) VALUES (?, ?, ?)");
     std::string bytes;
     qint64 seq = 0;
     for (qint64 k = 0; k < total; ++k) {
         const ScanSource::Entry e = k < folders ? source.folder(k) : source.file(k - folders);
         writer.add(e.parent, k == 0 ? std::string_view() : e.name, e.bytes, e.mtime);
-        if (indexed && k > 0) // the start folder is never a hit
+        if (indexed && !aside && k > 0) // the start folder is never a hit
             grams.addName(e.name);
         if (writer.count() == EntryBlock::Size || k + 1 == total) {
             writer.finish(bytes);
@@ -269,12 +340,17 @@ std::optional<qint64> SqliteCatalogue::record(const ScanInfo& info, const ScanSo
             if (!insert.done())
                 return fail(QStringLiteral("Catalogue: %1").arg(lastError()));
             insert.reset();
-            if (indexed)
+            if (indexed && !aside)
                 grams.endBlock(seq);
             ++seq;
             if (progress && !progress(k + 1, total))
                 return fail(QStringLiteral("Catalogue: recording cancelled."));
         }
+    }
+    if (aside) {
+        side.thread.join();
+        if (!side.done)
+            return fail(QStringLiteral("Catalogue: recording cancelled."));
     }
     if (indexed && !grams.write(m_db, scanId))
         return fail(QStringLiteral("Catalogue: %1").arg(lastError()));
