@@ -24,7 +24,7 @@ fi
 
 # name|command ; each run's output goes to /dev/null
 cmds=(
-    "quillary-list|$bin/quillary-list --out $out --yes --name bench $tree"
+    "quillary-list|$bin/quillary-list --no-catalogue --out $out --yes --name bench $tree"
     "du -sk|du -sk $tree"
     "find -printf|find $tree -printf %s\\n"
     "gdu|gdu --non-interactive --no-progress $tree"
@@ -56,6 +56,7 @@ for c in "${cmds[@]}"; do
         "$(awk "BEGIN{print ${best_rss[$name]} / 1024}")"
 done
 echo
-echo "Best of $runs warm runs each. quillary-list = walk + folder sizes + four listing files."
+echo "Best of $runs warm runs each. quillary-list = walk + folder sizes + four listing files (not recorded in the catalogue:"
+echo "quillary-catalogue-bench measures recording)."
 echo
 "$bin/quillary-bench" "$tree" "$out/bench"

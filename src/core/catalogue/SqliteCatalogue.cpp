@@ -85,23 +85,36 @@ public:
         m_blockGrams.clear();
         m_sorted = false;
     }
-    // Sorts by piece in two stable passes of 12 bits: block numbers were added in ascending order, so each
-    // piece's list stays ascending, in linear time over millions of pairs.
+    // Grouped by piece, each piece's blocks ascending; the order of the pieces does not matter. In place, as
+    // the pairs are the largest thing a recording holds (about eight per entry): one pass deals them out to
+    // 4,096 runs by a mix of their piece's bits (names share their first letters, so the top bits alone would
+    // fill a few runs), then each run, small enough to stay in the cache, is sorted on its own.
     void finish()
     {
         if (m_sorted)
             return;
-        std::vector<std::uint64_t> spare(m_pairs.size());
-        for (const int shift : {32, 44}) {
-            std::vector<std::size_t> start(4097, 0);
-            for (const std::uint64_t p : m_pairs)
-                ++start[((p >> shift) & 0xFFF) + 1];
-            for (std::size_t d = 1; d < start.size(); ++d)
-                start[d] += start[d - 1];
-            for (const std::uint64_t p : m_pairs)
-                spare[start[(p >> shift) & 0xFFF]++] = p;
-            m_pairs.swap(spare);
+        constexpr std::size_t Buckets = std::size_t(1) << 12;
+        // Pieces are 24 bits above the 32 bits of the block number.
+        const auto run = [](std::uint64_t p) { return std::size_t(((p >> 44) ^ (p >> 32)) & (Buckets - 1)); };
+        std::vector<std::size_t> end(Buckets, 0);
+        for (const std::uint64_t p : m_pairs)
+            ++end[run(p)];
+        std::vector<std::size_t> next(Buckets, 0);
+        for (std::size_t d = 1; d < Buckets; ++d)
+            next[d] = next[d - 1] + end[d - 1];
+        for (std::size_t d = 0; d < Buckets; ++d)
+            end[d] += next[d];
+        const std::vector<std::size_t> begin = next;
+        for (std::size_t d = 0; d < Buckets; ++d) {
+            while (next[d] < end[d]) {
+                std::uint64_t v = m_pairs[next[d]];
+                for (std::size_t b = run(v); b != d; b = run(v))
+                    std::swap(v, m_pairs[next[b]++]);
+                m_pairs[next[d]++] = v;
+            }
         }
+        for (std::size_t d = 0; d < Buckets; ++d)
+            std::sort(m_pairs.begin() + std::ptrdiff_t(begin[d]), m_pairs.begin() + std::ptrdiff_t(end[d]));
         m_sorted = true;
     }
 
