@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <atomic>
 #include <sqlite3.h>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -332,9 +333,14 @@ std::optional<qint64> SqliteCatalogue::record(const ScanInfo& info, const ScanSo
                 thread.join();
         }
     } side;
-    const bool aside = indexed && source.readsConcurrently();
-    if (aside)
-        side.thread = std::thread([&] { side.done = grams.collect(source, side.stop); });
+    bool aside = indexed && source.readsConcurrently();
+    if (aside) {
+        try {
+            side.thread = std::thread([&] { side.done = grams.collect(source, side.stop); });
+        } catch (const std::system_error&) {
+            aside = false; // no thread to be had: the index is built here, as for other sources
+        }
+    }
 
     SqliteStatement insert(m_db, "INSERT INTO block(scan_id, seq, data) VALUES (?, ?, ?)");
     std::string bytes;
