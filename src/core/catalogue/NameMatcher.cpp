@@ -60,6 +60,14 @@ NameMatcher::NameMatcher(const QString& text, bool glob) : m_glob(glob)
     // ASCII-folded, hold the needle exactly when its upper-cased units do: no decoding for any name, which is
     // most of the time a search over millions of names with accents or other scripts takes.
     m_bytesSuffice = m_asciiNeedle && m_foldedNeedle.find_first_of("IS") == std::string::npos;
+    const auto letter = std::find_if(m_upperNeedle.begin(), m_upperNeedle.end(),
+                                     [](char16_t u) { return u >= 0x80 && !QChar::isSurrogate(u); });
+    if (letter != m_upperNeedle.end()) {
+        for (char32_t c = 0x80; c <= 0xFFFF; ++c) {
+            if (!QChar::isSurrogate(c) && QChar::toUpper(c) == *letter)
+                m_anyOf.push_back(QString(QChar(char16_t(c))).toUtf8().toStdString());
+        }
+    }
     grams(m_foldedNeedle, m_required);
 }
 
@@ -106,6 +114,9 @@ bool NameMatcher::matches(std::string_view name) const
         return NativeText::containsAsciiUpper(name, m_foldedNeedle);
     if (NativeText::isAscii(name)) // the common case: no decoding, no allocation
         return m_asciiNeedle && NativeText::containsAsciiUpper(name, m_foldedNeedle);
+    if (!m_anyOf.empty() &&
+        std::none_of(m_anyOf.begin(), m_anyOf.end(), [&](const std::string& c) { return name.find(c) != name.npos; }))
+        return false;
     // Upper-casing may turn a non-ASCII letter into an ASCII one (dotless i, long s), so these go the long way.
     return upperUnits(name).find(m_upperNeedle) != std::u16string::npos;
 }

@@ -39,6 +39,9 @@ private:
     bool m_bytesSuffice = false;
     std::string m_foldedNeedle;   // substring mode
     std::u16string m_upperNeedle; // substring mode, for names that are not plain ASCII
-    std::u16string m_pattern;     // glob mode
+    // For a needle beyond ASCII: the UTF-8 forms of every character that upper-cases to its first such letter.
+    // A name holding none of them cannot match, and is passed over without being decoded.
+    std::vector<std::string> m_anyOf;
+    std::u16string m_pattern; // glob mode
     std::vector<std::uint32_t> m_required;
 };
