@@ -96,6 +96,15 @@ public:
         return path("tree");
     }
 
+    // Names of 120 bytes for `levels` folders, one in another: 35 or more of them make a path past PATH_MAX.
+    static QByteArrayList longNames(int levels)
+    {
+        QByteArrayList names;
+        for (int level = 0; level < levels; ++level)
+            names.append(QByteArray(120, char('a' + level % 26)));
+        return names;
+    }
+
     // Folders `names`, each inside the one before, below the root, made one name at a time so the chain may reach
     // past PATH_MAX. Returns a descriptor of the deepest (the caller closes it), or -1.
     int chain(const QByteArrayList& names) const

@@ -149,9 +149,7 @@ private slots:
         // Given relative to a current folder past PATH_MAX or through a link, a start folder longer than that is
         // recorded under one absolute path, which diff finds again.
         TreeBuilder t;
-        QByteArrayList names;
-        for (int level = 0; level < 40; ++level)
-            names.append(QByteArray(120, char('a' + level % 26)));
+        const QByteArrayList names = TreeBuilder::longNames(40);
         const int bottom = t.chain(names);
         QVERIFY(bottom >= 0);
         TreeBuilder::fileAt(bottom, "f.txt", 7);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "ScanLines.h"
 #include "TreeBuilder.h"
 #include "scan/FolderReader.h"
 #include "scan/FolderWalk.h"
@@ -12,14 +13,6 @@
 using L = ScanResult::List;
 
 namespace {
-
-QByteArrayList lines(const ScanResult& r, L list)
-{
-    QByteArrayList out;
-    for (qint64 i = 0; i < r.count(list); ++i)
-        out.append(r.entry(list, i));
-    return out;
-}
 
 QByteArrayList strip(const QByteArrayList& paths, const QByteArray& root)
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "ListerRun.h"
+#include "ScanLines.h"
 #include "TreeBuilder.h"
 #include "scan/FolderReader.h"
 #include "scan/FolderWalk.h"
@@ -18,18 +19,6 @@
 #include <thread>
 
 using L = ScanResult::List;
-
-namespace {
-
-QByteArrayList lines(const ScanResult& r, L list)
-{
-    QByteArrayList out;
-    for (qint64 i = 0; i < r.count(list); ++i)
-        out.append(r.entry(list, i));
-    return out;
-}
-
-} // namespace
 
 // Trees that try to break the walk: busy folders, things that change under it, entries that are not files.
 class TestHostileTrees : public QObject
@@ -186,9 +175,7 @@ private slots:
         // name at a time; under a limit of 32 its folders are opened again through that path, and the link to
         // ".." inside it is still not followed.
         TreeBuilder t;
-        QByteArrayList names;
-        for (int level = 0; level < 36; ++level)
-            names.append(QByteArray(120, char('a' + level % 26)));
+        const QByteArrayList names = TreeBuilder::longNames(36);
         const int bottom = t.chain(names);
         QVERIFY(bottom >= 0);
         QCOMPARE(::symlinkat("..", bottom, "up"), 0);

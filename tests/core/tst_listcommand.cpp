@@ -174,9 +174,7 @@ private slots:
         // path, given whole or relative to a current folder as deep, through ".", ".." and a link, exactly as a
         // short one is.
         TreeBuilder t;
-        QByteArrayList names;
-        for (int level = 0; level < 40; ++level)
-            names.append(QByteArray(120, char('a' + level % 26)));
+        const QByteArrayList names = TreeBuilder::longNames(40);
         const int bottom = t.chain(names);
         QVERIFY(bottom >= 0);
         QVERIFY(::mkdirat(bottom, "sub", 0755) == 0);
