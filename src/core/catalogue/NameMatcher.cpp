@@ -5,7 +5,6 @@
 #include "common/NativeText.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -24,7 +23,6 @@ std::u16string upperUnits(std::string_view name)
 
 NameMatcher::NameMatcher(const QString& text, bool glob) : m_glob(glob)
 {
-    std::string folded;
     if (glob) {
         m_pattern = upperUnits(text);
         m_everything =
@@ -80,10 +78,7 @@ void NameMatcher::fold(std::string_view name, std::string& out)
             out[i] = NativeText::upperAscii(name[i]);
         return;
     }
-    QString text = NativeText::toDisplay(name);
-    for (qsizetype i = 0; i < text.size(); ++i)
-        text[i] = text.at(i).toUpper();
-    const QByteArray bytes = NativeText::fromDisplay(text);
+    const QByteArray bytes = NativeText::fromDisplay(NativeText::upperUnits(NativeText::toDisplay(name)));
     out.assign(bytes.constData(), size_t(bytes.size()));
 }
 

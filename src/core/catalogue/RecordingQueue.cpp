@@ -24,8 +24,3 @@ void RecordingQueue::add(std::shared_ptr<const ScanResult> result, const QString
             failed(error);
     });
 }
-
-void RecordingQueue::waitForDone()
-{
-    m_pool.waitForDone();
-}

@@ -25,7 +25,6 @@ public:
 
     // The result is kept alive until it is recorded; the window may start a new scan meanwhile.
     void add(std::shared_ptr<const ScanResult> result, const QString& listingName, Failed failed);
-    void waitForDone();
 
 private:
     QThreadPool m_pool;
