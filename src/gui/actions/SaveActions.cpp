@@ -11,11 +11,9 @@
 #include "platform/NoticeService.h"
 #include "platform/ShellService.h"
 
-#include <QCoreApplication>
 #include <QEvent>
 #include <QLabel>
 #include <QMouseEvent>
-#include <QPointer>
 #include <QPushButton>
 
 SaveActions::SaveActions(const BrowserBehaviour& behaviour, const NavigationControls& navigation,
@@ -82,14 +80,15 @@ void SaveActions::save(SaveFlow::Kind kind)
 
 void SaveActions::record(std::shared_ptr<const ScanResult> result, const QString& listingName)
 {
-    // The listing files stand whatever happens here; a catalogue that cannot be written is only noticed.
-    QPointer<SaveActions> self(this);
-    m_recordings.add(std::move(result), listingName, [self](const QString& reason) {
+    // The listing files stand whatever happens here; a catalogue that cannot be written is only noticed. The
+    // queue is destroyed before the rest of this object, so the failure is posted to a live receiver, and Qt
+    // drops the posted call if this object goes before it runs.
+    m_recordings.add(std::move(result), listingName, [this](const QString& reason) {
         QMetaObject::invokeMethod(
-            qApp,
-            [self, reason] {
-                if (self && self->m_services.notices)
-                    self->m_services.notices->notice(
+            this,
+            [this, reason] {
+                if (m_services.notices)
+                    m_services.notices->notice(
                         QStringLiteral("The listing files are saved, but the scan was not recorded in the "
                                        "catalogue: ") +
                         reason);
