@@ -60,8 +60,9 @@ private:
     std::unique_ptr<CatalogueWindow> m_window;
     std::unique_ptr<QAbstractItemModelTester> m_resultTester, m_scanTester;
     qint64 m_older = 0, m_newer = 0, m_stick = 0;
+    QString m_data; // a real folder on the connected volume
 
-    // /data on DATA twice (report.txt grew, repair.log went, new.txt came) and /stick on USB, not connected.
+    // DATA's folder twice (report.txt grew, repair.log went, new.txt came) and /stick on USB, not connected.
     void fill()
     {
         auto c = SqliteCatalogue::open(m_path);
@@ -78,8 +79,10 @@ private:
         after.file(0, "notes.md", 10, 1000);
         FixtureScan stick;
         stick.file(0, "photo-report.jpg", 1 << 20, 1500);
-        m_older = *c->record(fixtureInfo("/data", 1000), before);
-        m_newer = *c->record(fixtureInfo("/data", 2000), after);
+        m_data = m_dir.filePath(u"data"_s);
+        QVERIFY(QDir().mkpath(m_data));
+        m_older = *c->record(fixtureInfo(QFile::encodeName(m_data), 1000), before);
+        m_newer = *c->record(fixtureInfo(QFile::encodeName(m_data), 2000), after);
         ScanInfo usb = fixtureInfo("/media/usb/stick", 1500, QStringLiteral("USB"), QStringLiteral("9999-AAAA"));
         usb.volume.mountPoint = "/media/usb";
         m_stick = *c->record(usb, stick);
@@ -213,36 +216,44 @@ private slots:
         QCOMPARE(CatalogueFilterBar::parseSize(text).value_or(-1), bytes);
     }
 
-    // An item on a connected volume goes to the shell; one on a volume that is not connected names the volume.
+    // An item on a connected volume goes to the shell; one on a volume that is not connected, or whose scanned
+    // folder is not there now (renamed away, or another volume under the same name), names the volume.
     void opensOrNamesTheVolume_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<bool>("locate");
+        QTest::addColumn<bool>("renamedAway");
         QTest::addColumn<QString>("reached");
-        QTest::newRow("open, connected") << u"report.txt"_s << false << u"/data/docs/report.txt"_s;
-        QTest::newRow("locate, connected") << u"report.txt"_s << true << u"/data/docs/report.txt"_s;
-        QTest::newRow("open, not connected") << u"photo-report.jpg"_s << false << u""_s;
-        QTest::newRow("locate, not connected") << u"photo-report.jpg"_s << true << u""_s;
+        QTest::newRow("open, connected") << u"report.txt"_s << false << false << u"/docs/report.txt"_s;
+        QTest::newRow("locate, connected") << u"report.txt"_s << true << false << u"/docs/report.txt"_s;
+        QTest::newRow("open, not connected") << u"photo-report.jpg"_s << false << false << u"USB 9999-AAAA"_s;
+        QTest::newRow("locate, not connected") << u"photo-report.jpg"_s << true << false << u"USB 9999-AAAA"_s;
+        QTest::newRow("open, folder renamed away") << u"report.txt"_s << false << true << u"DATA 1111-2222"_s;
     }
     void opensOrNamesTheVolume()
     {
         QFETCH(QString, name);
         QFETCH(bool, locate);
+        QFETCH(bool, renamedAway);
         QFETCH(QString, reached);
         typeSearch(name);
         const int row = rowNamed(*m_window->resultModel(), name);
         QVERIFY(row >= 0);
+        const QString away = m_data + u"-away"_s;
+        QVERIFY(!renamedAway || QDir().rename(m_data, away));
         locate ? m_window->locateRow(row) : m_window->openRow(row);
+        QVERIFY(!renamedAway || QDir().rename(away, m_data));
         const QStringList& asked = locate ? m_fakes.shell.located : m_fakes.shell.opened;
-        if (reached.isEmpty()) {
+        if (!reached.startsWith(u'/')) {
             QVERIFY(asked.isEmpty());
             QCOMPARE(m_fakes.messages.calls.size(), 1);
             const QString text = m_fakes.messages.calls.first().text;
-            QVERIFY2(text.contains(QLatin1String("\"USB\"")) && text.contains(QLatin1String("9999-AAAA")) &&
-                         text.contains(QLatin1String("not connected")),
+            const QStringList volume = reached.split(u' ');
+            QVERIFY2(text.contains(u'"' + volume[0] + u'"') && text.contains(volume[1]) &&
+                         text.contains(QLatin1String("Connect that volume")),
                      qPrintable(text));
         } else {
-            QCOMPARE(asked, QStringList{reached});
+            QCOMPARE(asked, QStringList{m_data + reached});
             QVERIFY(m_fakes.messages.calls.isEmpty());
         }
     }
@@ -285,10 +296,11 @@ private slots:
             rows.append(diff->index(r, DiffModel::Change).data().toString() + QLatin1Char(' ') +
                         diff->index(r, DiffModel::Path).data().toString());
         rows.sort();
-        QCOMPARE(rows, (QStringList{u"Added /data/docs/new.txt"_s, u"Changed /data/docs/report.txt"_s,
-                                    u"Removed /data/docs/repair.log"_s}));
+        QCOMPARE(rows,
+                 (QStringList{u"Added "_s + m_data + u"/docs/new.txt"_s, u"Changed "_s + m_data + u"/docs/report.txt"_s,
+                              u"Removed "_s + m_data + u"/docs/repair.log"_s}));
         diff->sort(DiffModel::SizeChange, Qt::DescendingOrder);
-        QCOMPARE(diff->index(0, DiffModel::Path).data().toString(), QStringLiteral("/data/docs/new.txt"));
+        QCOMPARE(diff->index(0, DiffModel::Path).data().toString(), m_data + u"/docs/new.txt"_s);
         dialog->close();
 
         m_window->compareScan(m_stick);

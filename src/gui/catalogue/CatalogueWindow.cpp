@@ -12,6 +12,7 @@
 #include "platform/MessageService.h"
 #include "platform/ProgramEnd.h"
 #include "platform/ShellService.h"
+#include "scan/FolderReader.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -389,12 +390,21 @@ QString CatalogueWindow::reachablePath(int row)
     const std::size_t at = m_resultModel->storeRow(row);
     const ScanInfo& scan = results.scan(at);
     const std::optional<QByteArray> path = m_presence.currentPath(scan, results.path(at));
-    if (!path) {
+    // A volume without a UUID is known by its label and mount point only, which another volume (or an empty
+    // mount folder) may share: the scanned folder missing there means the item is not at hand, as for
+    // quillary-catalogue's "mounted" column.
+    const std::optional<QByteArray> start = path ? m_presence.currentPath(scan, scan.startPath) : std::nullopt;
+    const bool folderThere = start && !FolderReader::absoluteFolder(*start).isEmpty();
+    if (!folderThere) {
         const QString label = scan.volume.label.isEmpty() ? tr("(no label)") : scan.volume.label;
         const QString uuid = scan.volume.uuid.isEmpty() ? tr("none recorded") : scan.volume.uuid;
-        notice(tr("%1 is on the volume \"%2\" (UUID %3), which is not connected.\n\nConnect that volume to open or "
-                  "locate the item.")
-                   .arg(NativeText::toDisplay(results.path(at)), label, uuid),
+        const QString item = NativeText::toDisplay(results.path(at));
+        notice(path ? tr("%1 is not at hand: the folder %2 it was scanned in is no longer there on the volume \"%3\" "
+                         "(UUID %4).\n\nConnect that volume to open or locate the item.")
+                          .arg(item, NativeText::toDisplay(scan.startPath), label, uuid)
+                    : tr("%1 is on the volume \"%2\" (UUID %3), which is not connected.\n\nConnect that volume to "
+                         "open or locate the item.")
+                          .arg(item, label, uuid),
                MessageStyle::Information);
         return {};
     }
