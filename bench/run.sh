@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Times quillary-list (walk + sizes + the four listing files) against du -sk, find -printf and gdu on the same
-# warm tree, with peak memory. The tree is made once by mktree: 1,000,000 files in 100,000 folders.
+# warm tree, with peak memory. The tree is made once by mktree: 1,000,000 files in 100,000 folders. Then the
+# catalogue on that tree beside plocate: recording against the walk, searches over ten recordings of it (11
+# million entries) against plocate over ten copies of its database, short texts, bytes per entry on disk; and
+# the catalogue window over that catalogue with every ".txt" listed (1.3 million hits), its memory and paints.
 #
-#   bench/run.sh                 # tree in bench/out/tree1m
-#   BENCH_TREE=/some/tree bench/run.sh
+#   bench/run.sh                 # tree in bench/out/tree1m, catalogue and plocate databases in bench/out/catalogue
+#   BENCH_TREE=/some/tree BENCH_WORK=/some/folder bench/run.sh
 #   RUNS=5 bench/run.sh
 set -euo pipefail
 here="$(cd "$(dirname "$0")" && pwd)"
@@ -12,6 +15,7 @@ top="$(dirname "$here")"
 bin="${BIN:-$top/build/bin}"
 mktree="${MKTREE:-$top/../shared/tools/mktree}"
 tree="${BENCH_TREE:-$here/out/tree1m}"
+work="${BENCH_WORK:-$here/out/catalogue}"
 runs="${RUNS:-3}"
 out="$(mktemp -d)"
 trap 'rm -rf "$out"' EXIT
@@ -60,3 +64,10 @@ echo "Best of $runs warm runs each. quillary-list = walk + folder sizes + four l
 echo "quillary-catalogue-bench measures recording)."
 echo
 "$bin/quillary-bench" "$tree" "$out/bench"
+
+echo
+echo "The catalogue beside plocate (a catalogue of 10 recordings of the tree; plocate over 10 copies of its database):"
+"$bin/quillary-catalogue-bench" "$tree" "$work" 10
+echo
+echo "The catalogue window over that catalogue:"
+"$bin/quillary-catalogue-window-bench" --text .txt "$work/catalogue.sqlite"
