@@ -291,7 +291,7 @@ private:
         std::fwrite(b.constData(), 1, size_t(b.size()), f);
     }
 
-    std::unique_ptr<SqliteCatalogue> open()
+    std::unique_ptr<Catalogue> open()
     {
         QString error;
         auto c = SqliteCatalogue::open(m_cataloguePath, &error);
@@ -459,7 +459,7 @@ private:
         return diffWith(*c, a, b);
     }
 
-    int diffWith(SqliteCatalogue& c, qint64 a, qint64 b)
+    int diffWith(Catalogue& c, qint64 a, qint64 b)
     {
         QString error;
         const auto d = c.diff(a, b, &error);
