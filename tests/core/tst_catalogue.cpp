@@ -94,6 +94,8 @@ private slots:
         info.listingName = QStringLiteral("backup");
         info.volume.capacity = 1000000;
         info.volume.freeBytes = 5000;
+        info.shortFlavour = true; // a Short walk stopped at its limit
+        info.complete = false;
         const auto id = c->record(info, sampleTree(), &error);
         QVERIFY2(id, qPrintable(error));
 
@@ -110,6 +112,7 @@ private slots:
         QCOMPARE(s.volume.uuid, QStringLiteral("1111-2222"));
         QCOMPARE(s.volume.capacity, 1000000);
         QCOMPARE(s.volume.freeBytes, 5000);
+        QVERIFY(s.shortFlavour && !s.complete);
 
         std::map<QByteArray, FindHit> byPath;
         for (FindHit& h : hits(*c, {}))
