@@ -80,6 +80,8 @@ private slots:
 
         w->showMaximized();
         QTRY_VERIFY(w->isMaximized() && w->width() > 1500 && w->height() > 1100);
+        // The left column keeps its size, and the panes their design distance from it and from the top.
+        QCOMPARE(pane(*w, 2)->pos(), normal.value(pane(*w, 2)).topLeft());
         const QStringList added = (overlaps(*w) - designed).values();
         QVERIFY2(added.isEmpty(), qPrintable(added.join(u", "_s)));
         QCOMPARE(besidePathFrame(*w, ui.mode.Image3), folderPicture);
