@@ -5,6 +5,7 @@
 #include "scan/ScanResultBuilder.h"
 
 #include <QGuiApplication>
+#include <QImage>
 #include <QListView>
 #include <QScreen>
 #include <QSet>
@@ -75,13 +76,23 @@ private slots:
         const QPoint folderPicture = besidePathFrame(*w, ui.mode.Image3);
         const QPoint filePicture = besidePathFrame(*w, ui.mode.Image4);
         QHash<QWidget*, QRect> normal;
-        for (QWidget* child : w->findChildren<QWidget*>())
-            normal.insert(child, child->geometry());
+        for (QWidget* child : w->findChildren<QWidget*>()) {
+            if (!w->flavour().layout.rect(child->objectName()).isNull())
+                normal.insert(child, child->geometry());
+        }
 
         w->showMaximized();
         QTRY_VERIFY(w->isMaximized() && w->width() > 1500 && w->height() > 1100);
+        // The left column keeps its size, and the panes their design distance from it and from the top.
+        QCOMPARE(pane(*w, 2)->pos(), normal.value(pane(*w, 2)).topLeft());
         const QStringList added = (overlaps(*w) - designed).values();
         QVERIFY2(added.isEmpty(), qPrintable(added.join(u", "_s)));
+        // On a grab of the window, the far ends of the outer panes and of the path boxes are painted, not cut off.
+        const QImage shot = w->grab().toImage();
+        for (QWidget* c : std::initializer_list<QWidget*>{pane(*w, 1), pane(*w, 4), ui.paths.Text1, ui.paths.Text2}) {
+            const QRect r(c->mapTo(w.get(), QPoint()), c->size());
+            QCOMPARE(shot.pixelColor(r.right() - 4, r.center().y()), c->palette().color(QPalette::Base));
+        }
         QCOMPARE(besidePathFrame(*w, ui.mode.Image3), folderPicture);
         QCOMPARE(besidePathFrame(*w, ui.mode.Image4), filePicture);
         // The search count stays below the hits, at the foot of the stretched section.

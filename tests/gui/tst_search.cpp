@@ -133,8 +133,9 @@ private slots:
         QVERIFY(m_fakes.messages.calls.isEmpty());
     }
 
-    // A drive or folder change takes the results and their count away, and puts the section away with its toggle,
-    // which stays disabled until the next listing; no old result is left to click into the emptied panes.
+    // A drive or folder change takes the search string, the results and their count away, and puts the section away
+    // with its toggle, which stays disabled until the next listing; no old result is left to click into the emptied
+    // panes.
     void emptiedByFolderOrDriveChange_data()
     {
         QTest::addColumn<bool>("longVersion");
@@ -162,6 +163,7 @@ private slots:
             w->setDir1Path(other.path());
         QVERIFY(lines(*w).isEmpty());
         QCOMPARE(ui.status.Label1[7]->text(), QString());
+        QCOMPARE(ui.search.srchFolder->text(), QString());
         QVERIFY(ui.search.Frame1->isHidden() && !ui.navigation.Label9Com->isEnabled());
         QTest::mouseClick(ui.search.List5->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
         QVERIFY(m_fakes.messages.calls.isEmpty());

@@ -20,6 +20,14 @@ QString selected(int row)
     return QStringLiteral("Selected: ") + QString::number(qint64(row) + 1);
 }
 
+// The "Selected: " label of a list box: its position is 16-bit, so past 32,767 it overflows, and the click handler,
+// which skips a failing statement, leaves the label as it was.
+void showSelected(QLabel* label, int row)
+{
+    if (qint64(row) + 1 <= std::numeric_limits<qint16>::max())
+        label->setText(selected(row));
+}
+
 // The rounding of a float to a whole number that the mouse coordinates go through: halves to even.
 int roundHalfEven(double v)
 {
@@ -156,14 +164,14 @@ void ResultPanes::click(int pane)
 
 void ResultPanes::List1_Click()
 {
-    m_status.Label1[1]->setText(selected(m_list[1]->listIndex()));
+    showSelected(m_status.Label1[1], m_list[1]->listIndex());
 }
 
 void ResultPanes::List2_Click()
 {
     // The path box gets the entry as the list shows it, name and size, not the folder's path.
     const int index = m_list[2]->listIndex();
-    m_status.Label1[5]->setText(selected(index));
+    showSelected(m_status.Label1[5], index);
     m_list[2]->setToolTip(m_list[2]->entry(index));
     m_paths.Text1->setText(m_list[2]->entry(index));
 }
@@ -171,7 +179,7 @@ void ResultPanes::List2_Click()
 void ResultPanes::List3_Click()
 {
     const int index = m_list[3]->listIndex();
-    m_status.Label1[6]->setText(selected(index));
+    showSelected(m_status.Label1[6], index);
     m_list[3]->setToolTip(m_list[3]->entry(index));
     setCurrentRow(4, index);
     m_paths.Text2->setText(m_list[3]->entry(index));
@@ -183,7 +191,7 @@ void ResultPanes::List4_Click()
     // name list still reports. List4 allows several selected entries, so its ListIndex is the entry with the
     // focus and survives the clearing. Selecting the path runs the path list's click, which fills the path box
     // and selects this name again; reached from that click instead (a path clicked), the name stays cleared.
-    m_status.Label1[2]->setText(selected(m_list[4]->listIndex()));
+    showSelected(m_status.Label1[2], m_list[4]->listIndex());
     if (const int count = m_list[4]->count(); count > 0) {
         const QAbstractItemModel* names = m_list[4]->model();
         m_list[4]->selectionModel()->select(QItemSelection(names->index(0, 0), names->index(count - 1, 0)),

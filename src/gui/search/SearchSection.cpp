@@ -38,6 +38,7 @@ SearchSection::SearchSection(const BrowserBehaviour& behaviour, const SearchCont
 
 void SearchSection::reset()
 {
+    m_searchControls.srchFolder->clear();
     m_model->clear();
     m_status.Label1[7]->setText(QString());
     m_searchControls.Frame1->hide();

@@ -32,8 +32,8 @@ public:
     bool searchingFolders() const { return m_kind == SearchResult::Kind::Folders; }
     SearchResultModel* model() const { return m_model; }
 
-    // A drive or folder change: no results, no count, and the section put away, since its toggle is disabled
-    // until the next listing.
+    // A drive or folder change: no search string, no results, no count, and the section put away, since its toggle is
+    // disabled until the next listing.
     void reset();
 
     void Label9Com_Click();
