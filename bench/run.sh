@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Times quillary-list (walk + sizes + the four listing files) against du -sk, find -printf and gdu on the same
-# warm tree, with peak memory. The tree is made once by mktree: 1,000,000 files in 100,000 folders.
+# warm tree, with peak memory. The tree is made once by bench/make_tree.py (or the generator MKTREE names, which
+# takes the same arguments): 1,000,000 files in 100,000 folders.
 #
 #   bench/run.sh                 # tree in bench/out/tree1m
 #   BENCH_TREE=/some/tree bench/run.sh
@@ -10,7 +11,7 @@ set -euo pipefail
 here="$(cd "$(dirname "$0")" && pwd)"
 top="$(dirname "$here")"
 bin="${BIN:-$top/build/bin}"
-mktree="${MKTREE:-$top/../shared/tools/mktree}"
+mktree="${MKTREE:-$here/make_tree.py}"
 tree="${BENCH_TREE:-$here/out/tree1m}"
 runs="${RUNS:-3}"
 out="$(mktemp -d)"
@@ -19,7 +20,7 @@ trap 'rm -rf "$out"' EXIT
 if [ ! -d "$tree" ]; then
     echo "Making $tree (1,000,000 files in 100,000 folders; this takes a while)..."
     mkdir -p "$(dirname "$tree")"
-    "$mktree" "$tree" --files 1000000 --dirs 100000 --manifest "$tree.json"
+    "$mktree" "$tree" --files 1000000 --dirs 100000
 fi
 
 # name|command ; each run's output goes to /dev/null
