@@ -108,7 +108,13 @@ bool SaveFlow::writeAll(const std::vector<Planned>& files, Outcome& outcome)
 SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
 {
     Outcome outcome;
-    const bool isLong = src.flavour == ScanResult::Flavour::Long;
+    // What a Long save (the grid window's, and the lister's unless --short) does otherwise than a Short one: it
+    // times the writing of a set (on the writing label and in the report), leaves out the empty line after the
+    // headers, and counts the rows of the folder-name grid for the single folders file.
+    const bool longSave = src.flavour == ScanResult::Flavour::Long;
+    const bool timesWriting = longSave;
+    const bool extraEmptyLine = !longSave;
+    const bool countsFolderNameRows = longSave;
     const bool isSet = kind == Kind::Set;
 
     if (const RuntimeError::Number error = m_folder.ensureExists(m_ops)) {
@@ -127,9 +133,9 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
     base.sourceLine = QStringLiteral("SOURCE:") + src.driveCaption;
     base.parentLine = QStringLiteral("Parent Folder: ") + src.parentFolder;
     base.result = r;
-    base.extraEmptyLine = !isLong;
+    base.extraEmptyLine = extraEmptyLine;
 
-    if (isSet && isLong)
+    if (isSet && timesWriting)
         writingLabel(QStringLiteral(" Writing files.. "), true);
 
     const QString name = m_input.inputBox(namePrompt());
@@ -156,7 +162,7 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
         // The grid window counts the rows of its folder-name grid while reading its folder-path grid; both
         // hold one row per folder.
         add(2, ListingFile::SingleFolders, folderPathsTitle, L::FolderPaths,
-            isLong ? count(L::FolderNames) : count(L::FolderPaths));
+            countsFolderNameRows ? count(L::FolderNames) : count(L::FolderPaths));
         break;
     case Kind::SingleFiles:
         add(3, ListingFile::FilesWithPaths, filesTitle, L::FilePaths, count(L::FilePaths));
@@ -192,7 +198,7 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
         if (askReplace(byNumber.front()->path) != Answer::Yes) {
             m_messages.message(refusal, MessageStyle::Exclamation);
             outcome.refused = true;
-            if (isSet && isLong)
+            if (isSet && timesWriting)
                 writingLabel(QString(), false);
             return outcome;
         }
@@ -220,7 +226,7 @@ SaveFlow::Outcome SaveFlow::run(Kind kind, const SaveSources& src)
     QString report = QStringLiteral("Following 4 Text Files created & saved successfully:\t\t\r\n\r\n") + plan[0].path +
                      QStringLiteral("\r\n") + plan[1].path + QStringLiteral("\r\n") + plan[3].path +
                      QStringLiteral("\r\n") + plan[2].path;
-    if (isLong) {
+    if (timesWriting) {
         const QString caption = QLatin1Char(' ') + NumberText::seconds(clock.elapsed()) + QStringLiteral(" sec ");
         writingLabel(caption, true);
         report += QStringLiteral("\r\n\r\nFiles created in: ") + caption;

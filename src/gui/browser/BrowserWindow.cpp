@@ -114,7 +114,7 @@ void BrowserWindow::fitLabel2()
 {
     // The path label grows with its text, starting from its design width.
     QLabel* label = m_ui.navigation.Label2;
-    const int width = qMax(Twips::toPx(690), label->sizeHint().width());
+    const int width = qMax(Twips::toPx(m_flavour.layout.rect(label->objectName()).width()), label->sizeHint().width());
     label->resize(width, label->height());
 }
 
