@@ -5,6 +5,12 @@
 #include <QProcess>
 #include <QStringList>
 
+// A command line's words, split at spaces: arguments that hold none written as one text.
+inline QStringList words(const char* line)
+{
+    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
 // One run of quillary-list (QUILLARY_LIST), or of another program, with HOME pointed at `home` (unset when `home` is
 // null), optionally behind `prefix` (a shell that sets a limit or passes bytes that are not UTF-8, a switch to another
 // user).

@@ -56,26 +56,10 @@ public:
     // The same seed makes the same tree. Returns the tree's path.
     QByteArray hostileTree(int folders, int files, unsigned seed) const
     {
-        static const QByteArrayList pieces = {"bad\xff\xfe",
-                                              "-rf",
-                                              "--help",
-                                              "line\nbreak",
-                                              "tab\there",
-                                              "cr\rx",
-                                              "quote'\"x",
-                                              "star*?[x]",
-                                              " lead",
-                                              "trail ",
-                                              ".hidden",
-                                              "stra\xc3\x9f"
-                                              "e",
-                                              "\xef\xac\x81le",
-                                              "back\\slash",
-                                              "$HOME",
-                                              "%s%n",
-                                              "\xe2\x80\xae"
-                                              "rtl",
-                                              "\xc3\xa9t\xc3\xa9"};
+        static const QByteArrayList pieces = {"bad\xff\xfe", "-rf",         "--help",       "line\nbreak", "tab\there",
+                                              "cr\rx",       "quote'\"x",   "star*?[x]",    " lead",       "trail ",
+                                              ".hidden",     "stra\u00dfe", "\ufb01le",     "back\\slash", "$HOME",
+                                              "%s%n",        "\u202ertl",   "\u00e9t\u00e9"};
         std::mt19937 rng(seed);
         QByteArrayList dirs{"tree"};
         dir("tree");

@@ -6,7 +6,6 @@
 #include "scan/FolderWalk.h"
 
 #include <QTest>
-#include <algorithm>
 #include <map>
 #include <random>
 
@@ -141,8 +140,8 @@ private slots:
 
     void shortLimit()
     {
-        // Exactly 32,767 files are listed whole; one more stops the walk with the limit reached and exactly
-        // 32,767 entries. The Long flavour lists all.
+        // Exactly 32,767 files are listed whole; one more stops the walk. Where it stops, and what it lists then,
+        // is the open chain's case below and the hostile trees' busy folder; the Long flavour lists all there.
         TreeBuilder t;
         for (int i = 0; i < 32767; ++i)
             t.file("d/f" + QByteArray::number(i));
@@ -152,19 +151,8 @@ private slots:
         QCOMPARE(r->fileCount(), 32767);
         QVERIFY(!r->limitReached());
         QCOMPARE(r->folderCount(), 1);
-
         t.file("e/one-more");
-        r = FolderWalk::run(t.root(), shortOpts);
-        QVERIFY(r->limitReached());
-        QCOMPARE(r->fileCount(), 32767);
-        QCOMPARE(r->count(L::FileNames), 32767);
-        // The walk stopped while looking at e's files, so d (complete) is the only folder listed.
-        QCOMPARE(strip(lines(*r, L::FolderPaths), t.root()), QByteArrayList({"d"}));
-        QVERIFY(ScanResult::limitMessage().startsWith(QStringLiteral("Number of Files is crossing the limit.")));
-
-        r = FolderWalk::run(t.root());
-        QCOMPARE(r->fileCount(), 32768);
-        QVERIFY(!r->limitReached());
+        QVERIFY(FolderWalk::run(t.root(), shortOpts)->limitReached());
     }
 
     void shortLimitKeepsTheOpenChain()
@@ -235,26 +223,6 @@ private slots:
                 for (const L l : {L::FolderPaths, L::FolderNames, L::FilePaths, L::FileNames})
                     QCOMPARE(lines(*more, l), lines(*one, l));
             }
-        }
-    }
-
-    void oddNamesKeepTheirBytes()
-    {
-        TreeBuilder t;
-        const QByteArrayList names = {"bad\xff\xfeutf8", "latin1 caf\xe9",     "line\nbreak",   "cr\rx", "-rf",
-                                      "back\\slash",     QByteArray(255, 'L'), "trunc \xe6\x97"};
-        for (const QByteArray& n : names)
-            t.file("odd\xff/" + n);
-        const auto r = FolderWalk::run(t.root());
-        QCOMPARE(r->entry(L::FolderPaths, 0), t.path("odd\xff"));
-        QByteArrayList got = lines(*r, L::FileNames);
-        QByteArrayList want = names;
-        std::sort(got.begin(), got.end());
-        std::sort(want.begin(), want.end());
-        QCOMPARE(got, want);
-        for (qint64 i = 0; i < r->fileCount(); ++i) {
-            struct stat st;
-            QVERIFY(::lstat(r->entry(L::FilePaths, i).constData(), &st) == 0);
         }
     }
 

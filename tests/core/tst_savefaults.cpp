@@ -18,6 +18,7 @@ class TestSaveFaults : public QObject
     TreeBuilder m_tree;
     QTemporaryDir m_home;
     QString box() const { return m_home.path() + QStringLiteral("/Quillbox"); }
+    QString root() const { return QFile::decodeName(m_tree.root()); }
 
     ListerRun list(const QStringList& prefix, const QStringList& args)
     {
@@ -44,9 +45,7 @@ private slots:
         ::chmod(m_tree.root().constData(), 0755);
         ::chmod(QFile::encodeName(m_home.path()).constData(), 0755);
         // A first set, on a tree half the size, to be kept intact by every failing save below.
-        const ListerRun p =
-            list({}, {QStringLiteral("--name"), QStringLiteral("keep"), QFile::decodeName(m_tree.root())});
-        QCOMPARE(p.code, 0);
+        QCOMPARE(list({}, words("--name keep") << root()).code, 0);
         m_tree.file("one more/file");
     }
 
@@ -54,10 +53,8 @@ private slots:
     {
         const auto before = listings();
         // A file-size limit of 20 kB: the bigger listings cannot be written whole.
-        const ListerRun p = list(
-            {QStringLiteral("/bin/bash"), QStringLiteral("-c"), QStringLiteral("ulimit -f 20; exec \"$0\" \"$@\"")},
-            {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"),
-             QFile::decodeName(m_tree.root())});
+        const ListerRun p = list(words("/bin/bash -c") << QStringLiteral("ulimit -f 20; exec \"$0\" \"$@\""),
+                                 words("--yes --name keep") << root());
         QCOMPARE(p.status, QProcess::NormalExit);
         QCOMPARE(p.code, 3);
         QVERIFY2(p.err.contains("61\nDisk full"), "the disk-full box");
@@ -72,8 +69,7 @@ private slots:
     {
         const auto before = listings();
         QVERIFY(QDir().mkpath(box() + QStringLiteral("/Files List - blocked.txt")));
-        const ListerRun p = list({}, {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("blocked"),
-                                      QFile::decodeName(m_tree.root())});
+        const ListerRun p = list({}, words("--yes --name blocked") << root());
         QCOMPARE(p.code, 3);
         QVERIFY(p.err.contains("Change the SAVE Location. Access denied to Save in the application location."));
         // Files 1 and 2 of the new set were written before file 4 failed, and stay; nothing else changed.
@@ -93,16 +89,12 @@ private slots:
         const QString stale = box() + QStringLiteral("/.quillary-Kq3x9Z"),
                       held = box() + QStringLiteral("/.quillary-h0LDme"),
                       other = box() + QStringLiteral("/.quillary-notours");
-        for (const QString& name : {stale, held, other}) {
-            QFile f(name);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("part of a listing");
-        }
+        for (const QString& name : {stale, held, other})
+            QVERIFY(QFile(name).open(QIODevice::WriteOnly));
         QFile holder(held);
         QVERIFY(holder.open(QIODevice::ReadOnly));
         QCOMPARE(::flock(holder.handle(), LOCK_EX | LOCK_NB), 0);
-        const ListerRun p =
-            list({}, {QStringLiteral("--name"), QStringLiteral("after"), QFile::decodeName(m_tree.root())});
+        const ListerRun p = list({}, words("--name after") << root());
         QCOMPARE(p.code, 0);
         QVERIFY(!QFile::exists(stale));
         QVERIFY(QFile::exists(held));
@@ -147,7 +139,7 @@ private slots:
                 QCOMPARE(::chown(QFile::encodeName(home + QStringLiteral("/Quillbox")).constData(), 65534, 65534), 0);
         }
         const bool rootBoxBefore = QFileInfo::exists(QStringLiteral("/Quillbox"));
-        const ListerRun p(home, {QFile::decodeName(m_tree.root())});
+        const ListerRun p(home, {root()});
         QCOMPARE(p.code, 3);
         QVERIFY2(p.err.startsWith("quillary-list: will not write into the collection folder: "), p.err.constData());
         QVERIFY2(p.err.contains(reason), p.err.constData());
@@ -166,13 +158,11 @@ private slots:
             const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
             if (setpriv.isEmpty())
                 QSKIP("running as root without setpriv");
-            prefix = {setpriv, QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-                      QStringLiteral("--clear-groups"), QStringLiteral("--")};
+            prefix = QStringList{setpriv} + words("--reuid=65534 --regid=65534 --clear-groups --");
         }
         ::chmod(QFile::encodeName(box()).constData(), 0755);
         const auto before = listings();
-        const ListerRun p = list(prefix, {QStringLiteral("--yes"), QStringLiteral("--name"), QStringLiteral("keep"),
-                                          QFile::decodeName(m_tree.root())});
+        const ListerRun p = list(prefix, words("--yes --name keep") << root());
         QCOMPARE(p.code, 3);
         QVERIFY(p.err.contains("Change the SAVE Location. Access denied to Save in the application location."));
         QCOMPARE(listings(), before);

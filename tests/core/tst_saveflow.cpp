@@ -35,10 +35,6 @@ public:
         boxes.append(QString::number(style.classic()) + QStringLiteral(": ") + text);
         return answers.isEmpty() ? Answer::Ok : answers.takeFirst();
     }
-    void writingLabel(const QString& caption, bool visible)
-    {
-        labels.append(caption + (visible ? QStringLiteral("|shown") : QStringLiteral("|hidden")));
-    }
 };
 
 // The real file operations with faults injected: a fixed error for some steps, or one file that fails.
@@ -96,7 +92,9 @@ class TestSaveFlow : public QObject
                            SaveFlow::Kind kind = SaveFlow::Kind::Set)
     {
         SaveFlow flow(host, host, ops, CollectionFolder(m_box));
-        flow.setWritingLabel([&host](const QString& caption, bool visible) { host.writingLabel(caption, visible); });
+        flow.setWritingLabel([&host](const QString& caption, bool visible) {
+            host.labels.append(caption + (visible ? QStringLiteral("|shown") : QStringLiteral("|hidden")));
+        });
         flow.setClock([] { return QDate(2009, 3, 5); });
         return flow.run(kind, sources(flavour));
     }
@@ -343,14 +341,14 @@ private slots:
         TreeBuilder empty;
         m_result = FolderWalk::run(empty.root());
         SystemFileOps ops;
-        FakeHost s(QStringLiteral("e"));
+        FakeHost s(QStringLiteral("e")), l(QStringLiteral("g"));
         save(s, ops);
-        QVERIFY(readAll(setNames(QStringLiteral("e"))[3]).endsWith("LIST OF ALL FILES (0):\r\n\r\n\r\n\r\n"));
-        QVERIFY(readAll(setNames(QStringLiteral("e"))[1]).endsWith("(1):\r\n\r\nNO FOLDER FOUND\r\n\r\n\r\n"));
-        FakeHost l(QStringLiteral("g"));
         save(l, ops, ScanResult::Flavour::Long);
-        QVERIFY(readAll(setNames(QStringLiteral("g"))[3]).endsWith("LIST OF ALL FILES (0):\r\n\r\n\r\n"));
-        QVERIFY(!readAll(setNames(QStringLiteral("g"))[3]).endsWith("(0):\r\n\r\n\r\n\r\n"));
+        const QStringList shortSet = setNames(QStringLiteral("e")), longSet = setNames(QStringLiteral("g"));
+        QVERIFY(readAll(shortSet[3]).endsWith("(0):\r\n\r\n\r\n\r\n"));
+        QVERIFY(readAll(shortSet[1]).endsWith("(1):\r\n\r\nNO FOLDER FOUND\r\n\r\n\r\n"));
+        QVERIFY(readAll(longSet[3]).endsWith("\r\nLIST OF ALL FILES (0):\r\n\r\n\r\n"));
+        QVERIFY(!readAll(longSet[3]).endsWith("(0):\r\n\r\n\r\n\r\n"));
     }
 
     void fileOperations()

