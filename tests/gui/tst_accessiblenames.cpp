@@ -2,6 +2,7 @@
 
 #include "BrowserTestKit.h"
 
+#include "catalogue/CatalogueWindow.h"
 #include "startup/OptionsWindow.h"
 
 #include <QAccessible>
@@ -67,6 +68,13 @@ private slots:
     {
         QFETCH(bool, longVersion);
         checkControls(*window(m_fakes, longVersion));
+    }
+
+    void catalogue()
+    {
+        CatalogueWindow w(m_fakes.services(), [](QString*) { return std::unique_ptr<Catalogue>(); });
+        w.show();
+        checkControls(w);
     }
 };
 

@@ -138,6 +138,7 @@ CatalogueWindow::CatalogueWindow(const Services& services, CatalogueSearch::Open
     layout->addWidget(m_filters);
     layout->addWidget(m_resultView, 1);
     m_splitter->setObjectName(QStringLiteral("splitter"));
+    m_splitter->setAccessibleName(tr("Scans beside the items found"));
     m_splitter->addWidget(m_scanView);
     m_splitter->addWidget(right);
     m_splitter->setStretchFactor(1, 1);
