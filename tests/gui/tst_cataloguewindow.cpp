@@ -11,16 +11,12 @@
 #include "catalogue/VolumePresence.h"
 #include "core/CatalogueFixture.h"
 
-#include <QAbstractButton>
 #include <QAbstractItemModelTester>
-#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QProgressDialog>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -28,27 +24,6 @@
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-
-QStringList sortedNames(const CatalogueResultModel& model)
-{
-    QStringList out;
-    for (int r = 0; r < model.rowCount(); ++r)
-        out.append(model.index(r, CatalogueResultModel::Name).data().toString());
-    out.sort();
-    return out;
-}
-
-int rowNamed(const CatalogueResultModel& model, const QString& name)
-{
-    for (int r = 0; r < model.rowCount(); ++r)
-        if (model.index(r, CatalogueResultModel::Name).data().toString() == name)
-            return r;
-    return -1;
-}
-
-} // namespace
 
 class TestCatalogueWindow : public QObject
 {
@@ -58,7 +33,6 @@ private:
     QString m_path;
     FakeServices m_fakes;
     std::unique_ptr<CatalogueWindow> m_window;
-    std::unique_ptr<QAbstractItemModelTester> m_resultTester, m_scanTester;
     qint64 m_older = 0, m_newer = 0, m_stick = 0;
     QString m_data; // a real folder on the connected volume
 
@@ -117,19 +91,13 @@ private slots:
         m_window = std::make_unique<CatalogueWindow>(m_fakes.services(), [path](QString* error) {
             return std::unique_ptr<Catalogue>(SqliteCatalogue::open(path, error));
         });
-        m_resultTester = std::make_unique<QAbstractItemModelTester>(
-            m_window->resultModel(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-        m_scanTester = std::make_unique<QAbstractItemModelTester>(
-            m_window->scanModel(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        for (QAbstractItemModel* model : {static_cast<QAbstractItemModel*>(m_window->resultModel()),
+                                          static_cast<QAbstractItemModel*>(m_window->scanModel())})
+            new QAbstractItemModelTester(model, QAbstractItemModelTester::FailureReportingMode::QtTest, m_window.get());
         m_window->show();
     }
 
-    void cleanup()
-    {
-        m_resultTester.reset();
-        m_scanTester.reset();
-        m_window.reset();
-    }
+    void cleanup() { m_window.reset(); }
 
     void showsVolumesAndScans()
     {
@@ -142,24 +110,6 @@ private slots:
                           scans->index(r, ScanTreeModel::Scanned).data().toString());
         states.sort();
         QCOMPARE(states, (QStringList{u"DATA (1111-2222)=Connected"_s, u"USB (9999-AAAA)=Not connected"_s}));
-    }
-
-    void everyControlSaysWhatItIs()
-    {
-        QStringList silent;
-        for (QWidget* w : m_window->findChildren<QWidget*>()) {
-            const bool control = qobject_cast<QAbstractItemView*>(w) || qobject_cast<QLineEdit*>(w) ||
-                                 qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractButton*>(w);
-            // A header is read out as part of its table; the parts of a box as the box.
-            if (!control || !w->isVisible() || qobject_cast<QHeaderView*>(w) ||
-                qobject_cast<QComboBox*>(w->parentWidget()) || qobject_cast<QLineEdit*>(w->parentWidget()))
-                continue;
-            const auto* button = qobject_cast<QAbstractButton*>(w);
-            if (w->accessibleName().isEmpty() && !(button && !button->text().isEmpty()))
-                silent.append(QString::fromLatin1(w->metaObject()->className()) + QLatin1Char(' ') + w->objectName());
-        }
-        QVERIFY2(silent.isEmpty(), qPrintable(silent.join(QStringLiteral(", "))));
-        QVERIFY(!m_window->menuBar()->actions().isEmpty());
     }
 
     // Typed letter by letter: each key stops the search before it, and the list ends up holding exactly the
@@ -193,7 +143,11 @@ private slots:
         m_window->findChild<QLineEdit*>(QStringLiteral("minSizeFilter"))->setText(minSize);
         m_window->findChild<QCheckBox*>(QStringLiteral("allScansFilter"))->setChecked(allScans);
         typeSearch(typed);
-        QCOMPARE(sortedNames(*m_window->resultModel()), expected);
+        QStringList found;
+        for (int r = 0; r < m_window->resultModel()->rowCount(); ++r)
+            found.append(m_window->resultModel()->index(r, CatalogueResultModel::Name).data().toString());
+        found.sort();
+        QCOMPARE(found, expected);
         const QString status = m_window->findChild<QLabel*>(QStringLiteral("statusLine"))->text();
         QVERIFY2(status.startsWith(QString::number(expected.size()) + QStringLiteral(" found in ")),
                  qPrintable(status));
@@ -236,12 +190,11 @@ private slots:
         QFETCH(bool, locate);
         QFETCH(bool, renamedAway);
         QFETCH(QString, reached);
-        typeSearch(name);
-        const int row = rowNamed(*m_window->resultModel(), name);
-        QVERIFY(row >= 0);
+        typeSearch(name); // the one hit, in the newest scans
+        QCOMPARE(m_window->resultModel()->rowCount(), 1);
         const QString away = m_data + u"-away"_s;
         QVERIFY(!renamedAway || QDir().rename(m_data, away));
-        locate ? m_window->locateRow(row) : m_window->openRow(row);
+        locate ? m_window->locateRow(0) : m_window->openRow(0);
         QVERIFY(!renamedAway || QDir().rename(away, m_data));
         const QStringList& asked = locate ? m_fakes.shell.located : m_fakes.shell.opened;
         if (!reached.startsWith(u'/')) {
@@ -327,16 +280,9 @@ private slots:
         QVERIFY(m_window->findChild<QProgressDialog*>(QStringLiteral("importProgress")));
         QTRY_COMPARE(imported.count(), 1);
         QVERIFY2(m_fakes.messages.calls.isEmpty(), qPrintable(m_fakes.messages.texts().join(QLatin1Char('\n'))));
-        QCOMPARE(m_window->scanModel()->scans().size(), std::size_t(4));
+        QCOMPARE(m_window->scanModel()->scans().size(), std::size_t(4)); // the two files are one set
 
-        typeSearch(QStringLiteral("price"));
-        QCOMPARE(sortedNames(*m_window->resultModel()), QStringList{u"price.txt"_s});
-        m_window->openRow(0);
-        QVERIFY(m_fakes.shell.opened.isEmpty());
-        QCOMPARE(m_fakes.messages.calls.size(), 1);
-        QVERIFY(m_fakes.messages.calls.first().text.contains(QLatin1String("not connected")));
-
-        // Removing asks first; No keeps the scan.
+        // Removing asks first; No keeps the scan. What an import holds and a removal leaves is the catalogue's test.
         const auto importedScan =
             std::find_if(m_window->scanModel()->scans().begin(), m_window->scanModel()->scans().end(),
                          [](const ScanInfo& s) { return s.imported; });
@@ -346,8 +292,6 @@ private slots:
         QCOMPARE(m_window->scanModel()->scans().size(), std::size_t(4));
         m_window->removeScan(id);
         QCOMPARE(m_window->scanModel()->scans().size(), std::size_t(3));
-        typeSearch(QStringLiteral("price"));
-        QCOMPARE(m_window->resultModel()->rowCount(), 0);
     }
 };
 
