@@ -53,6 +53,16 @@ inline void addFlavours()
     QTest::newRow("LongBrowser") << true;
 }
 
+// The "longVersion" column crossed with one more: a row per flavour and value.
+template <typename T> void addFlavours(const char* column, std::initializer_list<std::pair<const char*, T>> values)
+{
+    QTest::addColumn<bool>("longVersion");
+    QTest::addColumn<T>(column);
+    for (bool longVersion : {false, true})
+        for (const auto& [name, value] : values)
+            QTest::addRow("%s, %s", longVersion ? "Long" : "Short", name) << longVersion << value;
+}
+
 inline const BrowserFlavour& flavour(bool longVersion)
 {
     return longVersion ? BrowserFlavour::longBrowser() : BrowserFlavour::shortBrowser();

@@ -83,16 +83,7 @@ private slots:
     }
 
     // With no sub-folder the folder labels stay empty, and ShortBrowser's file selection label shows the count.
-    void noSubFolder_data()
-    {
-        QTest::addColumn<bool>("longVersion");
-        QTest::addColumn<int>("files");
-        for (bool longVersion : {false, true}) {
-            const char* name = longVersion ? "LongBrowser" : "ShortBrowser";
-            QTest::addRow("%s, two files", name) << longVersion << 2;
-            QTest::addRow("%s, empty", name) << longVersion << 0;
-        }
-    }
+    void noSubFolder_data() { addFlavours<int>("files", {{"two files", 2}, {"empty", 0}}); }
     void noSubFolder()
     {
         QFETCH(bool, longVersion);
