@@ -9,6 +9,7 @@
 #include "scan/ScanResultBuilder.h"
 
 #include <QComboBox>
+#include <QListView>
 #include <QScopeGuard>
 #include <QTreeView>
 #include <fcntl.h>
@@ -45,8 +46,8 @@ private slots:
                                 {m_cd, {}, DriveType::CdDvd, false}};
     }
 
-    void loadAndFolderChange_data() { addFlavours(); }
-    void loadAndFolderChange()
+    void load_data() { addFlavours(); }
+    void load()
     {
         QFETCH(bool, longVersion);
         auto w = window(m_fakes, longVersion);
@@ -59,33 +60,55 @@ private slots:
         QVERIFY(ui.player.playerFrame->isHidden());
         QCOMPARE(ui.mode.Label10->text(),
                  (longVersion ? u" "_s : QString()) + u"Set Option &  Double Click Folder or File to open"_s);
+    }
 
-        // What a listing leaves behind, all of which a new folder choice clears.
-        ScanResultBuilder b(QFile::encodeName(m_fixed + u"/docs"_s));
-        b.addFile(b.addFolder("a", 1), "x");
-        b.addFile(0, "y");
-        w->listResult(b.finish());
-        for (int n = 1; n <= 4; ++n)
-            QVERIFY(w->panes().rowCount(n) > 0);
-        for (int i = 0; i <= 6; ++i)
-            ui.status.Label1[i]->setText(u"Selected: 1"_s);
+    // A folder or drive change clears what a listing left: the panes, their counts and path boxes, the search
+    // string, its results and their count; it puts the search section away with its toggle, which stays disabled until
+    // the next listing, and leaves no old result to click into the emptied panes.
+    void folderOrDriveChangeClears_data() { addFlavours<bool>("drive", {{"folder", false}, {"drive", true}}); }
+    void folderOrDriveChangeClears()
+    {
+        QFETCH(bool, longVersion);
+        QFETCH(bool, drive);
+        auto w = window(m_fakes, longVersion);
+        const BrowserControls& ui = w->controls();
+        const auto listResult = [&] {
+            ScanResultBuilder b(QFile::encodeName(m_fixed + u"/docs"_s));
+            b.addFile(b.addFolder("a", 1), "x");
+            w->listResult(b.finish());
+            QTest::mouseClick(ui.navigation.Label9Com, Qt::LeftButton);
+        };
+        listResult();
+        ui.search.srchFolder->setText(u"a"_s);
+        QTest::mouseClick(ui.search.SearchFolders, Qt::LeftButton);
+        QCOMPARE(ui.search.List5->model()->rowCount(), 1);
         ui.paths.Text1->setText(u"a"_s);
         ui.paths.Text2->setText(u"b"_s);
         QVERIFY(ui.navigation.CreateTextFiles->isEnabled() && !ui.navigation.List_Folders->isEnabled());
 
-        w->setDir1Path(m_fixed + u"/docs/a"_s);
-        QCOMPARE(ui.navigation.Label2->text(), m_fixed + u"/docs/a"_s);
+        if (drive)
+            ui.navigation.Drive1->setCurrentIndex(1);
+        else
+            w->setDir1Path(m_fixed + u"/docs/a"_s);
+        QCOMPARE(ui.navigation.Label2->text(), drive ? m_stick : m_fixed + u"/docs/a"_s);
         for (int n = 1; n <= 4; ++n)
             QCOMPARE(pane(*w, n)->model()->rowCount(), 0);
-        for (int i = 0; i <= 6; ++i)
+        for (int i = 0; i <= 7; ++i)
             QCOMPARE(ui.status.Label1[i]->text(), QString());
-        QCOMPARE(ui.paths.Text1->text(), QString());
-        QCOMPARE(ui.paths.Text2->text(), QString());
-        QVERIFY(!ui.navigation.CreateTextFiles->isEnabled() && !ui.navigation.Label9Com->isEnabled() &&
-                ui.navigation.List_Folders->isEnabled());
+        QCOMPARE(ui.paths.Text1->text() + ui.paths.Text2->text(), QString());
+        QCOMPARE(ui.search.List5->model()->rowCount(), 0);
+        QCOMPARE(ui.search.srchFolder->text(), QString());
+        QVERIFY(ui.search.Frame1->isHidden() && !ui.navigation.Label9Com->isEnabled());
+        QVERIFY(!ui.navigation.CreateTextFiles->isEnabled() && ui.navigation.List_Folders->isEnabled());
         QCOMPARE(ui.status.Label11->text(), u"Execution Time in msec"_s);
         if (longVersion)
             QVERIFY(ui.goTo.Frame5->isHidden() && !ui.goTo.Image1->isHidden());
+        QTest::mouseClick(ui.search.List5->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+        QVERIFY(m_fakes.messages.calls.isEmpty());
+
+        listResult();
+        QVERIFY(ui.search.Frame1->isVisible());
+        QCOMPARE(ui.search.List5->model()->rowCount(), 0);
     }
 
     void driveChange_data() { addFlavours(); }
@@ -228,21 +251,7 @@ private slots:
         QCOMPARE(ui.paths.Label8->text(), u"Show File Names only"_s);
         QCOMPARE(w->height(), height);
 
-        // Maximised, the panes, the search section and the path frame fill the window and the toggle cannot change
-        // the width. That restoring puts every control back is tst_maximisedlayout's.
-        w->showMaximized();
-        QTRY_VERIFY(w->isMaximized());
-        QTRY_VERIFY(!ui.paths.Label8->isEnabled());
-        const QRect names = pane(*w, 4)->geometry(), paths = pane(*w, 3)->geometry();
-        QVERIFY(names.right() < w->width() && names.right() > w->width() * 8 / 10);
-        QVERIFY(paths.right() < names.left());
-        QVERIFY(qAbs(ui.paths.pathFrame->geometry().bottom() - (w->height() - 1)) <= 1);
-        QVERIFY(paths.bottom() < ui.paths.pathFrame->y());
-        QVERIFY(ui.paths.Text1->geometry().right() < ui.paths.pathFrame->width());
-        QVERIFY(ui.search.Frame1->geometry().right() <= paths.right() + 1);
-        w->showNormal();
-        QTRY_VERIFY(ui.paths.Label8->isEnabled());
-        QCOMPARE(ui.player.playerFrame->x(), Twips::toPx(longVersion ? 30 : 165));
+        // Maximised, the window's width is the layout's: tst_maximisedlayout.
     }
 
     void messagesAndExits()

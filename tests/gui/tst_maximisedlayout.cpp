@@ -13,8 +13,8 @@
 using namespace BrowserTestKit;
 
 // The browser windows maximised on a 1600 x 1200 screen, listed, with the search section and (LongBrowser) the
-// go-to frame shown: stretching puts no control over another that the design keeps apart, the folder and file
-// pictures stay by the path labels, and restoring puts every control back.
+// go-to frame shown: stretching fills the window and puts no control over another that the design keeps apart, the
+// folder and file pictures stay by the path labels, and restoring puts every control back.
 class TestMaximisedLayout : public QObject
 {
     Q_OBJECT
@@ -95,6 +95,14 @@ private slots:
         }
         QCOMPARE(besidePathFrame(*w, ui.mode.Image3), folderPicture);
         QCOMPARE(besidePathFrame(*w, ui.mode.Image4), filePicture);
+        // The panes and the path frame fill the window, and the file-names toggle cannot change its width.
+        QVERIFY(!ui.paths.Label8->isEnabled());
+        const QRect names = pane(*w, 4)->geometry(), paths = pane(*w, 3)->geometry();
+        QVERIFY(names.right() < w->width() && names.right() > w->width() * 8 / 10);
+        QVERIFY(paths.right() < names.left() && paths.bottom() < ui.paths.pathFrame->y());
+        QVERIFY(qAbs(ui.paths.pathFrame->geometry().bottom() - (w->height() - 1)) <= 1);
+        QVERIFY(ui.paths.Text1->geometry().right() < ui.paths.pathFrame->width());
+        QVERIFY(ui.search.Frame1->geometry().right() <= paths.right() + 1);
         // The search count stays below the hits, at the foot of the stretched section.
         QVERIFY(ui.status.Label1[7]->y() > ui.search.List5->geometry().bottom());
         QVERIFY(ui.status.Label1[7]->geometry().bottom() > ui.search.Frame1->height() * 9 / 10);
@@ -105,7 +113,7 @@ private slots:
         }
 
         w->showNormal();
-        QTRY_VERIFY(!w->isMaximized());
+        QTRY_VERIFY(!w->isMaximized() && ui.paths.Label8->isEnabled());
         for (auto it = normal.cbegin(); it != normal.cend(); ++it)
             QCOMPARE(it.key()->geometry(), it.value());
     }

@@ -2,17 +2,15 @@
 
 #include "BrowserTestKit.h"
 
-#include "controls/DriveSelector.h"
 #include "scan/ScanResultBuilder.h"
 
-#include <QComboBox>
 #include <QListView>
 
 using namespace BrowserTestKit;
 
 // The search section of both windows: where its results and count land, and what a click and a double-click on
 // a result do. What matches and how a result line reads are the list search's own tests (tst_listsearch); which
-// file names play is tst_itemactions'.
+// file names play is tst_itemactions'; what a folder or drive change clears is tst_browserwindow's.
 class TestSearch : public QObject
 {
     Q_OBJECT
@@ -118,62 +116,17 @@ private slots:
         QCOMPARE(m_fakes.shell.opened, QStringList{u"/d/My Photos"_s});
 
         setOpenMode(*w, false);
+        // What a double-click plays, opens or locates, and what stops the player, are tst_itemactions'.
         search(*w, u".mp3"_s, false);
-        const int closes = m_fakes.player.closes;
         clickResult(*w, 0, true);
         QCOMPARE(w->panes().currentRow(3), 3);
         QCOMPARE(w->panes().currentRow(4), 3);
         QCOMPARE(ui.paths.Text2->text(), u"/d/song.mp3"_s);
         QCOMPARE(m_fakes.shell.located, QStringList{u"/d/song.mp3"_s});
-        QCOMPARE(m_fakes.player.closes, closes + 1);
         setOpenMode(*w, true);
         clickResult(*w, 0, true);
         QCOMPARE(m_fakes.player.urls, QStringList{u"/d/song.mp3"_s});
-        QVERIFY(ui.player.playerFrame->isVisible());
         QVERIFY(m_fakes.messages.calls.isEmpty());
-    }
-
-    // A drive or folder change takes the search string, the results and their count away, and puts the section away
-    // with its toggle, which stays disabled until the next listing; no old result is left to click into the emptied
-    // panes.
-    void emptiedByFolderOrDriveChange_data()
-    {
-        QTest::addColumn<bool>("longVersion");
-        QTest::addColumn<bool>("drive");
-        for (bool longVersion : {false, true}) {
-            QTest::addRow("%s, folder", longVersion ? "Long" : "Short") << longVersion << false;
-            QTest::addRow("%s, drive", longVersion ? "Long" : "Short") << longVersion << true;
-        }
-    }
-    void emptiedByFolderOrDriveChange()
-    {
-        QFETCH(bool, longVersion);
-        QFETCH(bool, drive);
-        m_fakes.volumes.list = {{u"/"_s, u"System"_s, DriveType::Fixed, true},
-                                {QDir::tempPath(), u"Temp"_s, DriveType::Fixed, true}};
-        auto w = listed(longVersion);
-        const BrowserControls& ui = w->controls();
-        search(*w, u"photo"_s, true);
-        QCOMPARE(lines(*w).size(), 2);
-
-        const QTemporaryDir other;
-        if (drive)
-            ui.navigation.Drive1->setCurrentIndex(ui.navigation.Drive1->currentIndex() == 0 ? 1 : 0);
-        else
-            w->setDir1Path(other.path());
-        QVERIFY(lines(*w).isEmpty());
-        QCOMPARE(ui.status.Label1[7]->text(), QString());
-        QCOMPARE(ui.search.srchFolder->text(), QString());
-        QVERIFY(ui.search.Frame1->isHidden() && !ui.navigation.Label9Com->isEnabled());
-        QTest::mouseClick(ui.search.List5->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
-        QVERIFY(m_fakes.messages.calls.isEmpty());
-
-        ScanResultBuilder b("/e");
-        b.addFolder("photos", 1);
-        w->listResult(b.finish());
-        QTest::mouseClick(ui.navigation.Label9Com, Qt::LeftButton);
-        QVERIFY(ui.search.Frame1->isVisible());
-        QVERIFY(lines(*w).isEmpty());
     }
 
     // Serials are read back into 16 bits from five characters of the line.
