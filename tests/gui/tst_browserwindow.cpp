@@ -2,6 +2,7 @@
 
 #include "BrowserTestKit.h"
 
+#include "browser/FolderTreeModel.h"
 #include "common/NativeText.h"
 #include "controls/DriveCaptionLabel.h"
 #include "controls/DriveSelector.h"
@@ -149,35 +150,51 @@ private slots:
         QCOMPARE(ui.paths.Text1->text(), u"kept"_s);
     }
 
-    // The tree on the folders' own bytes: a name that is not UTF-8 is there and lists; renamed outside, it stays
-    // chosen, and Label2 with it.
-    void folderTreeOnRawBytes_data() { addFlavours(); }
-    void folderTreeOnRawBytes()
+    // The tree (Dir1) on the folders' own bytes: only folders, links left out, in the walk's order; a name that is
+    // not UTF-8 is there and lists. Renamed outside, a chosen folder keeps its node and stays chosen, and Label2
+    // with it; a folder made later is found by its path, or when its parent is read again.
+    void folderTree_data() { addFlavours(); }
+    void folderTree()
     {
         QFETCH(bool, longVersion);
-        const QByteArray odd = QFile::encodeName(m_fixed) + "/docs/\xE9t\xE9";
+        const QByteArray docs = QFile::encodeName(m_fixed) + "/docs", odd = docs + "/\xE9t\xE9";
         QCOMPARE(::mkdir(odd.constData(), 0755), 0);
-        const auto cleanup = qScopeGuard([&] {
-            ::rename(odd.constData(), QByteArray(odd + "-gone").constData());
-            ::unlink(QByteArray(odd + "-gone/f.txt").constData());
-            ::rmdir(QByteArray(odd + "-gone").constData());
-        });
+        QCOMPARE(::symlink(odd.constData(), QByteArray(docs + "/link").constData()), 0);
         ::close(::open(QByteArray(odd + "/f.txt").constData(), O_WRONLY | O_CREAT, 0644));
+        const auto cleanup = qScopeGuard([&] {
+            for (const char* made : {"/link", "/\xE9t\xE9/f.txt", "/later/", "/latest/", "/\xE9t\xE9/"})
+                ::remove(QByteArray(docs + made).chopped(QByteArray(made).endsWith('/') ? 1 : 0).constData());
+        });
         auto w = window(m_fakes, longVersion);
         const BrowserControls& ui = w->controls();
-        new QAbstractItemModelTester(ui.navigation.Dir1->model(),
-                                     QAbstractItemModelTester::FailureReportingMode::QtTest, w.get());
-        const QString shown = NativeText::toDisplay(odd);
+        auto* model = qobject_cast<FolderTreeModel*>(ui.navigation.Dir1->model());
+        new QAbstractItemModelTester(model, QAbstractItemModelTester::FailureReportingMode::QtTest, w.get());
+        const QString oddName = NativeText::toDisplay(QByteArray("\xE9t\xE9")), shown = NativeText::toDisplay(odd);
+        const auto names = [&] {
+            QStringList out;
+            for (int row = 0; row < model->rowCount(model->index(docs)); ++row)
+                out.append(model->index(row, 0, model->index(docs)).data().toString());
+            return out;
+        };
         w->setDir1Path(shown);
-        QCOMPARE(ui.navigation.Dir1->currentIndex().data().toString(), NativeText::toDisplay(QByteArray("\xE9t\xE9")));
+        QCOMPARE(names(), (QStringList{u"a"_s, oddName}));
+        QVERIFY(!model->index(odd + "/f.txt").isValid() && !model->index(QByteArray("/elsewhere")).isValid());
+        QCOMPARE(ui.navigation.Dir1->currentIndex().data().toString(), oddName);
         scan(*w);
         QCOMPARE(entries(*w, 3), QStringList{shown + u"/f.txt"_s});
 
         QCOMPARE(::rename(odd.constData(), QByteArray(odd + "-gone").constData()), 0);
         QCoreApplication::processEvents();
+        QCOMPARE(model->index(odd), ui.navigation.Dir1->currentIndex());
         QCOMPARE(ui.navigation.Label2->text(), shown);
-        QCOMPARE(ui.navigation.Dir1->currentIndex().data().toString(), NativeText::toDisplay(QByteArray("\xE9t\xE9")));
+        QCOMPARE(ui.navigation.Dir1->currentIndex().data().toString(), oddName);
         QCOMPARE(::rename(QByteArray(odd + "-gone").constData(), odd.constData()), 0);
+
+        QCOMPARE(::mkdir(QByteArray(docs + "/later").constData(), 0755), 0);
+        QVERIFY(model->index(docs + "/later").isValid());
+        QCOMPARE(::mkdir(QByteArray(docs + "/latest").constData(), 0755), 0);
+        model->readAgain(model->index(docs));
+        QCOMPARE(names(), (QStringList{u"a"_s, u"later"_s, u"latest"_s, oddName}));
     }
 
     // Command1 names the kind of the current drive. The caption for each kind is the drive caption's own test.
