@@ -2,7 +2,6 @@
 
 #include "BrowserTestKit.h"
 
-#include "actions/GoToCell.h"
 #include "platform/Twips.h"
 #include "scan/ScanResultBuilder.h"
 
@@ -62,28 +61,38 @@ private slots:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
     void init() { m_fakes.reset(); }
 
-    // The number conversion: blanks, sign, banker's rounding; 13 for no number, 6 beyond 32 bits.
-    void toLong_data()
+    // What is typed in a go-to box: a number, blanks and sign allowed, rounded half to even, goes to its cell or
+    // names the range. What the conversion cannot take is an unhandled error that ends the program: 13 for no
+    // number, 6 beyond 32 bits; the serial is worked out in 16 bits, so even the lowest 32-bit number overflows.
+    void typed_data()
     {
         QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("value");
-        QTest::addColumn<int>("error");
-        QTest::newRow("negative") << u"-5"_s << -5 << 0;
-        QTest::newRow("half to even") << u"2.5"_s << 2 << 0;
-        QTest::newRow("lowest") << u"-2147483648"_s << int(-2147483647 - 1) << 0;
-        QTest::newRow("too big") << u"2147483648"_s << 0 << 6;
-        QTest::newRow("empty") << QString() << 0 << 13;
-        QTest::newRow("word") << u"ten"_s << 0 << 13;
-        QTest::newRow("number and word") << u"7a"_s << 0 << 13;
+        QTest::addColumn<int>("row");     // the cell gone to, when no box comes up
+        QTest::addColumn<QString>("box"); // the box that comes up instead
+        const QString range = u"48|You can enter cell number between 1 and 10 only."_s,
+                      overflow = u"16|Run-time error '6':\r\n\r\nOverflow"_s,
+                      mismatch = u"16|Run-time error '13':\r\n\r\nType mismatch"_s;
+        QTest::newRow("blanks") << u" 7 "_s << 6 << QString();
+        QTest::newRow("half to even, down") << u"2.5"_s << 1 << QString();
+        QTest::newRow("half to even, up") << u"3.5"_s << 3 << QString();
+        for (const char* outside : {"11", "0", "-5", "2147483647", "-2147483647"})
+            QTest::newRow(outside) << QString::fromLatin1(outside) << 0 << range;
+        QTest::newRow("too big") << u"2147483648"_s << 0 << overflow;
+        QTest::newRow("lowest") << u"-2147483648"_s << 0 << overflow;
+        QTest::newRow("empty") << QString() << 0 << mismatch;
+        QTest::newRow("word") << u"ten"_s << 0 << mismatch;
+        QTest::newRow("number and word") << u"7a"_s << 0 << mismatch;
     }
-    void toLong()
+    void typed()
     {
         QFETCH(QString, text);
-        QFETCH(int, value);
-        QFETCH(int, error);
-        auto got = RuntimeError::Number(-1);
-        QCOMPARE(GoToCell::toLong(text, &got), value);
-        QCOMPARE(got, error);
+        QFETCH(int, row);
+        QFETCH(QString, box);
+        auto w = listed(10);
+        goTo(w->controls().goTo.Text3, w->controls().goTo.GoToFilePath, text);
+        QCOMPARE(m_fakes.messages.texts(), box.isEmpty() ? QStringList() : QStringList{box});
+        QCOMPARE(w->panes().currentRow(3), row);
+        QCOMPARE(m_fakes.programEnd.count, box.startsWith(u"16|"_s) ? 1 : 0);
     }
 
     void range()
@@ -115,15 +124,9 @@ private slots:
         clickRow(*w, 3, 8);
         QCOMPARE(redPixels(*w, 3, 6), 0);
         QCOMPARE(redPixels(*w, 3, 8), 0);
-        goTo(ui.goTo.Text3, ui.goTo.GoToFilePath, u" 7"_s);
-
-        for (const char* rejected : {"251", "0", "-5"}) {
-            m_fakes.messages.calls.clear();
-            goTo(ui.goTo.Text3, ui.goTo.GoToFilePath, QLatin1String(rejected));
-            QCOMPARE(m_fakes.messages.texts(), QStringList{u"48|You can enter cell number between 1 and 250 only."_s});
-            QCOMPARE(w->panes().currentRow(3), 6);
-        }
-        QCOMPARE(m_fakes.programEnd.count, 0);
+        goTo(ui.goTo.Text3, ui.goTo.GoToFilePath, u"251"_s);
+        QCOMPARE(m_fakes.messages.texts(), QStringList{u"48|You can enter cell number between 1 and 250 only."_s});
+        QCOMPARE(w->panes().currentRow(3), 8);
 
         goTo(ui.goTo.Text4, ui.goTo.GoToFolder, u"2"_s);
         QCOMPARE(w->panes().currentRow(2), 1);
@@ -132,25 +135,6 @@ private slots:
         QCOMPARE(ui.paths.Text1->text(), u"/g/two"_s);
         goTo(ui.goTo.Text4, ui.goTo.GoToFolder, u"4"_s);
         QCOMPARE(m_fakes.messages.calls.last().text, u"You can enter cell number between 1 and 3 only."_s);
-    }
-
-    // What the conversion cannot take is an unhandled error that ends the program; the serial is 16-bit, so even
-    // a number the conversion takes can overflow.
-    void errors_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("box");
-        QTest::newRow("word") << u"abc"_s << u"Run-time error '13':\r\n\r\nType mismatch"_s;
-        QTest::newRow("lowest") << u"-2147483648"_s << u"Run-time error '6':\r\n\r\nOverflow"_s;
-    }
-    void errors()
-    {
-        QFETCH(QString, text);
-        QFETCH(QString, box);
-        auto w = listed(10);
-        goTo(w->controls().goTo.Text5, w->controls().goTo.GoToFile, text);
-        QCOMPARE(m_fakes.messages.texts(), QStringList{u"16|"_s + box});
-        QCOMPARE(m_fakes.programEnd.count, 1);
     }
 
     void fileNamesComeIntoView()
