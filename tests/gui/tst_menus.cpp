@@ -106,23 +106,18 @@ private slots:
         QVERIFY(!openMenu());
         QCOMPARE(w->panes().currentRow(2), -1);
 
-        // The file list always does; the entry under the mouse is selected first, with its click handling.
+        // The file list always does; the entry under the mouse is selected first, with its click handling (what
+        // that fills in is the selection coupling's test, tst_listing).
         clickRow(*w, 3, 2, Qt::RightButton);
         QCOMPARE(openMenu(), ui.menus.mnuPopUp);
         QCOMPARE(w->panes().currentRow(3), 2);
         QCOMPARE(ui.status.Label1[6]->text(), u"Selected: 3"_s);
-        QCOMPARE(ui.paths.Text2->text(), QFile::decodeName(m_tree.path("Gamma/Three.txt")));
-        // ... and the name it selects runs its own.
-        QCOMPARE(w->panes().currentRow(4), 2);
-        QCOMPARE(ui.status.Label1[2]->text(), u"Selected: 3"_s);
         closeMenus();
 
         clickRow(*w, 2, 0);
         clickRow(*w, 2, 2, Qt::RightButton);
         QCOMPARE(openMenu(), ui.menus.mnuPopUp2);
-        QCOMPARE(w->panes().currentRow(2), 2);
         QCOMPARE(ui.status.Label1[5]->text(), u"Selected: 3"_s);
-        QCOMPARE(ui.paths.Text1->text(), w->panes().text(2, 2));
         closeMenus();
 
         // Below the last entry: the first entry is taken.
