@@ -63,15 +63,11 @@ template <typename T> void addFlavours(const char* column, std::initializer_list
             QTest::addRow("%s, %s", longVersion ? "Long" : "Short", name) << longVersion << value;
 }
 
-inline const BrowserFlavour& flavour(bool longVersion)
-{
-    return longVersion ? BrowserFlavour::longBrowser() : BrowserFlavour::shortBrowser();
-}
-
 // A shown window whose pane and search models are checked for consistency through everything the test does.
 inline std::unique_ptr<BrowserWindow> window(FakeServices& fakes, bool longVersion)
 {
-    auto w = std::make_unique<BrowserWindow>(flavour(longVersion), fakes.services(), nullptr);
+    auto w = std::make_unique<BrowserWindow>(
+        longVersion ? BrowserFlavour::longBrowser() : BrowserFlavour::shortBrowser(), fakes.services(), nullptr);
     for (int n = 1; n <= 4; ++n)
         new QAbstractItemModelTester(w->panes().model(n), QAbstractItemModelTester::FailureReportingMode::QtTest,
                                      w.get());
@@ -145,15 +141,10 @@ inline QStringList entries(const BrowserWindow& w, int n)
     return out;
 }
 
-inline QAction* entry(const BrowserWindow& w, const QString& name)
-{
-    return w.findChild<QAction*>(name);
-}
-
 // The menu entry of the window's flavour: the list boxes' name or the grids' one.
 inline QAction* entry(const BrowserWindow& w, const QString& shortName, const QString& longName)
 {
-    return entry(w, w.flavour().behaviour.panes == BrowserBehaviour::Panes::Grids ? longName : shortName);
+    return w.findChild<QAction*>(w.flavour().behaviour.panes == BrowserBehaviour::Panes::Grids ? longName : shortName);
 }
 
 // Option1 opens what is double-clicked, Option2 locates it.

@@ -59,13 +59,8 @@ struct FakeMessages : MessageService
 
 struct FakeInput : InputService
 {
-    QStringList prompts;
     std::deque<QString> answers;
-    QString inputBox(const QString& prompt, const QString&, const QString&) override
-    {
-        prompts.append(prompt);
-        return takeFront(answers, QString());
-    }
+    QString inputBox(const QString&, const QString&, const QString&) override { return takeFront(answers, QString()); }
 };
 
 struct FakeAdmin : AdminCheck
