@@ -119,8 +119,8 @@ private slots:
         QCOMPARE(m_fakes.programEnd.count, 1);
     }
 
-    // The frame around the picture, both "Click to Close" labels, and a double-click on a file that does not
-    // play, stop the player; a click on the picture itself does not.
+    // The frame around the picture and both "Click to Close" labels stop the player; a click on the picture itself
+    // does not. A double-click on a file that does not play stops it too (doubleClicks).
     void playerFrameCloses_data() { addFlavours(); }
     void playerFrameCloses()
     {
@@ -142,9 +142,6 @@ private slots:
             QCOMPARE(m_fakes.player.closes, before + 1);
             QVERIFY(player.playerFrame->isHidden());
         }
-        doubleClickRow(*w, 3, row);
-        doubleClickRow(*w, 4, fileRow(*w, u"a.flac"_s));
-        QVERIFY(player.playerFrame->isHidden());
     }
 };
 
