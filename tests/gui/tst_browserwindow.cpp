@@ -291,14 +291,11 @@ private slots:
         for (const auto& call : m_fakes.messages.calls)
             QVERIFY(call.style == 64 && call.title.isEmpty());
 
-        // The emergency exit works only while the listing's wait text shows.
+        // The emergency exit works only while the listing's wait text shows, exactly (tst_listing's wayOutMidWalk).
         QTest::mouseDClick(ui.status.Label11, Qt::LeftButton);
         ui.status.Label11->setText(u"Pl wait..."_s);
         QTest::mouseDClick(ui.status.Label11, Qt::LeftButton);
         QCOMPARE(m_fakes.programEnd.count, 0);
-        ui.status.Label11->setText(u" Pl wait... "_s);
-        QTest::mouseDClick(ui.status.Label11, Qt::LeftButton);
-        QCOMPARE(m_fakes.programEnd.count, 1);
     }
 };
 
