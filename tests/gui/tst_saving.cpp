@@ -64,25 +64,9 @@ private slots:
         QCOMPARE(file1.endsWith("\r\n\r\n\r\n"), !longVersion);
     }
 
-    // Each pane's menu entry saves its own list.
-    void singleLists_data() { addFlavours(); }
-    void singleLists()
-    {
-        QFETCH(bool, longVersion);
-        auto w = listedWindow(m_fakes, longVersion, m_tree.root());
-        m_fakes.input.answers = {u"One"_s, u"One"_s};
-        entry(*w, u"SaveList2Contents"_s, u"SaveMSFlexGrid2Contents"_s)->trigger();
-        entry(*w, u"SaveList3Contents"_s, u"SaveMSFlexGrid3Contents"_s)->trigger();
-        QCOMPARE(m_fakes.messages.calls.size(), 2);
-        QVERIFY(read(collectionPath() + u"/Folder List WithPath One.txt"_s)
-                    .contains("LIST OF FOLDERS WITH THEIR PATHS (3):\r\n\r\n" + m_tree.path("A/A1") + "\r\n"));
-        QVERIFY(read(collectionPath() + u"/Files List WithPath One.txt"_s)
-                    .contains("LIST OF ALL FILES (4):\r\n\r\n" + m_tree.path("A/a1.txt") + "\r\n"));
-    }
-
     // A saved set is recorded in the catalogue under its name; the save's boxes stay as they were. A catalogue
     // that cannot be written leaves the listing standing and says so once, without a modal box. Single-list
-    // saves record nothing.
+    // saves, each pane's entry saving its own list, record nothing.
     void recordedInCatalogue_data() { addFlavours(); }
     void recordedInCatalogue()
     {
@@ -99,8 +83,14 @@ private slots:
         QVERIFY(QFile::exists(collectionPath() + u"/Files List - Broken.txt"_s));
         QVERIFY(QDir().rmdir(catalogue));
 
-        m_fakes.input.answers = {u"One"_s, u"Kept"_s};
+        // Each pane's menu entry saves its own list.
+        m_fakes.input.answers = {u"One"_s, u"One"_s, u"Kept"_s};
+        entry(*w, u"SaveList2Contents"_s, u"SaveMSFlexGrid2Contents"_s)->trigger();
         entry(*w, u"SaveList3Contents"_s, u"SaveMSFlexGrid3Contents"_s)->trigger();
+        QVERIFY(read(collectionPath() + u"/Folder List WithPath One.txt"_s)
+                    .contains("LIST OF FOLDERS WITH THEIR PATHS (3):\r\n\r\n" + m_tree.path("A/A1") + "\r\n"));
+        QVERIFY(read(collectionPath() + u"/Files List WithPath One.txt"_s)
+                    .contains("LIST OF ALL FILES (4):\r\n\r\n" + m_tree.path("A/a1.txt") + "\r\n"));
         QTest::mouseClick(w->controls().navigation.CreateTextFiles, Qt::LeftButton);
         w.reset(); // waits for the recording under way
         QCOMPARE(m_fakes.notices.shown.size(), 1);
