@@ -39,7 +39,7 @@ QStringList temporaries(const QByteArray& folder)
 
 constexpr time_t OldTime = 978307200; // 1 January 2001
 
-enum Fault { OntoItself, HardLink, Unreadable, FullDisk };
+enum Fault { OntoItself, HardLink, LinkToIt, Unreadable, FullDisk };
 
 qint64 sizeOf(const QByteArray& path)
 {
@@ -166,6 +166,7 @@ private slots:
         QTest::addColumn<int>("error");
         QTest::newRow("onto itself") << int(OntoItself) << 0;
         QTest::newRow("hard link to the target") << int(HardLink) << 0;
+        QTest::newRow("symbolic link to the target") << int(LinkToIt) << 0;
         QTest::newRow("unreadable source") << int(Unreadable) << 75;
         QTest::newRow("full file system") << int(FullDisk) << 61;
     }
@@ -194,6 +195,8 @@ private slots:
             source = target;
         if (fault == HardLink)
             QCOMPARE(::link(target.constData(), (source = root + "/another name.txt").constData()), 0);
+        if (fault == LinkToIt)
+            QCOMPARE(::symlink(target.constData(), (source = src.path("mine.txt")).constData()), 0);
         if (fault == Unreadable)
             QCOMPARE(::chmod(source.constData(), 0), 0);
 

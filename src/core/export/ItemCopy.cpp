@@ -127,10 +127,17 @@ RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target
         return RuntimeError::PathFileAccess;
     // Copying a file onto itself (the collection folder listed, one of its files saved into it) has nothing to
     // do; writing a copy and renaming it over the file would change what the user has for no gain.
-    if (::lstat(target.constData(), &tst) == 0 && sameFile(st, tst))
+    const bool targetThere = ::lstat(target.constData(), &tst) == 0;
+    if (targetThere && sameFile(st, tst))
         return RuntimeError::None;
-    if (S_ISLNK(st.st_mode))
+    if (S_ISLNK(st.st_mode)) {
+        // Nor is a link to the target copied over it: the target would become a link to itself, and the file it
+        // was would be gone.
+        struct stat linked;
+        if (targetThere && ::stat(source.constData(), &linked) == 0 && sameFile(linked, tst))
+            return RuntimeError::None;
         return copyLink(source, st, target);
+    }
     if (!S_ISREG(st.st_mode))
         return RuntimeError::PathFileAccess; // a pipe, socket or device has no content to copy, and is never opened
     if (::stat(target.constData(), &tst) == 0 && S_ISDIR(tst.st_mode))

@@ -12,8 +12,9 @@
 namespace ItemCopy {
 
 // Copies one file to `target`, replacing a file already there; the run-time error number, or 0. A failure leaves
-// the old target exactly as it was; a source that is the target itself is left alone and counts as copied. The
-// copy keeps the source's modification time and permissions, without set-user-ID, set-group-ID or sticky bits.
+// the old target exactly as it was; a source that is the target itself, or a link to it, is left alone and counts
+// as copied. The copy keeps the source's modification time and permissions, without set-user-ID, set-group-ID or
+// sticky bits.
 RuntimeError::Number copyFile(const QByteArray& source, const QByteArray& target);
 
 // True when `path` names a file (not a folder) that exists.
