@@ -238,11 +238,15 @@ private slots:
                  QStringList({question, u"64|File THREE.TXT replaced successfully in "_s + box + u"."_s}));
         QCOMPARE(m_fakes.programEnd.count, 0);
 
+        // Yes to replacing, then the source is gone: the file already there stays as it was.
         clickRow(*w, 3, 0);
         QVERIFY(QFile::remove(QFile::decodeName(m_tree.path("Alpha/one.txt"))));
+        write(collectionPath() + u"/one.txt"_s, "mine");
         trigger(*w, u"SaveFile_3"_s, u"SaveFileTo_MSF3"_s);
         QCOMPARE(m_fakes.messages.texts().last(), u"16|Run-time error '53':\r\n\r\nFile not found"_s);
         QCOMPARE(m_fakes.programEnd.count, 1);
+        QCOMPARE(read(collectionPath() + u"/one.txt"_s), QByteArray("mine"));
+        QVERIFY(QFile::remove(collectionPath() + u"/one.txt"_s));
         m_tree.file("Alpha/one.txt", 1024);
 
         if (longVersion)
