@@ -137,6 +137,8 @@ private slots:
         const ListerRun r = list(argv);
         QCOMPARE(r.code, code);
         QVERIFY2((code == 0 ? r.out : r.err).startsWith(output), (r.out + r.err).constData());
+        if (output.startsWith("quillary-list: "))
+            QCOMPARE(r.out, QByteArray()); // refused before the walk, which prints the totals
         if (code != 0)
             QCOMPARE(QDir(box()).entryList(QDir::Files), before);
         else if (args.startsWith(QLatin1String("--name=")))
