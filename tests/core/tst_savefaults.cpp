@@ -5,9 +5,13 @@
 
 #include <QDir>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTest>
+#include <csignal>
+#include <poll.h>
 #include <sys/file.h>
+#include <sys/inotify.h>
 
 // Saves that fail for real, through quillary-list: whatever fails, every listing that was there before is
 // still there, byte for byte, and the user is told why.
@@ -103,6 +107,59 @@ private slots:
         QFile::remove(other);
         for (auto it = before.begin(); it != before.end(); ++it)
             QVERIFY(QFile::exists(box() + QLatin1Char('/') + it.key()));
+    }
+
+    // A save stopped by a signal it can catch takes its temporary files with it. The signal is sent while one is
+    // there: the lister is stopped as soon as one appears, and signalled if it is still there; a save that finished
+    // first is run again.
+    void signalledSaveLeavesNothing_data()
+    {
+        QTest::addColumn<int>("sig");
+        QTest::newRow("TERM") << int(SIGTERM);
+        QTest::newRow("INT") << int(SIGINT);
+        QTest::newRow("HUP") << int(SIGHUP);
+    }
+    void signalledSaveLeavesNothing()
+    {
+        QFETCH(int, sig);
+        const QByteArray folder = QFile::encodeName(box());
+        bool landed = false;
+        for (int run = 0; run < 20 && !landed; ++run) {
+            const int watch = ::inotify_init1(IN_CLOEXEC);
+            const auto closeWatch = qScopeGuard([&] { ::close(watch); });
+            QVERIFY(::inotify_add_watch(watch, folder.constData(), IN_CREATE) >= 0);
+            QProcess p;
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            env.insert(QStringLiteral("HOME"), m_home.path());
+            p.setProcessEnvironment(env);
+            p.start(QStringLiteral(QUILLARY_LIST),
+                    {QStringLiteral("--yes"), QStringLiteral("--no-catalogue"), QStringLiteral("--name"),
+                     QStringLiteral("signalled"), QFile::decodeName(m_tree.root())});
+            QByteArray temp;
+            alignas(inotify_event) char events[4096];
+            while (temp.isEmpty()) {
+                pollfd ready{watch, POLLIN, 0};
+                QVERIFY2(::poll(&ready, 1, 60000) == 1, "no temporary file was ever made");
+                const ssize_t n = ::read(watch, events, sizeof events);
+                for (ssize_t off = 0; off < n;) {
+                    const auto* e = reinterpret_cast<const inotify_event*>(events + off);
+                    if (e->len && QByteArray(e->name).startsWith(".quillary-"))
+                        temp = folder + '/' + e->name;
+                    off += qsizetype(sizeof(inotify_event) + e->len);
+                }
+            }
+            const pid_t pid = pid_t(p.processId());
+            ::kill(pid, SIGSTOP);
+            landed = ::access(temp.constData(), F_OK) == 0;
+            if (landed)
+                ::kill(pid, sig);
+            ::kill(pid, SIGCONT);
+            QVERIFY(p.waitForFinished(120000));
+            QCOMPARE(p.exitStatus(), landed ? QProcess::CrashExit : QProcess::NormalExit);
+            QCOMPARE(QDir(box()).entryList(QDir::Files | QDir::Hidden).filter(QStringLiteral(".quillary-")),
+                     QStringList());
+        }
+        QVERIFY(landed);
     }
 
     // A collection folder that is not the user's own: nothing written, the reason on stderr, before any walk.

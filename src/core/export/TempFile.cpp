@@ -9,10 +9,12 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstring>
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,27 +27,30 @@ constexpr char Prefix[] = ".quillary-";
 constexpr std::size_t PrefixLength = sizeof Prefix - 1;
 constexpr std::size_t RandomLength = 6; // mkstemp's XXXXXX
 
-// Names in fixed slots, so a signal handler can walk them without taking a lock or touching the heap.
-enum SlotState : int { Free, Busy, Held };
+// Names in fixed slots, so a signal handler can walk them without taking a lock or touching the heap. A slot is
+// Filling while its file is being made, with the stopping signals held back on the thread that makes it.
+enum SlotState : int { Free, Filling, Held, Releasing };
 struct Slot
 {
     std::atomic<int> state{Free};
     char path[PATH_MAX];
 };
 Slot g_slots[32];
+// Set by removeTracked(): from then on no file is made that it might miss.
+std::atomic<bool> g_stopping{false};
 
-void track(const QByteArray& path)
+Slot* reserve(const QByteArray& path)
 {
     if (path.size() >= PATH_MAX)
-        return; // too long to keep; the next save's sweep will take it if it is ever left behind
+        return nullptr; // too long to keep; the next save's sweep will take it if it is ever left behind
     for (Slot& s : g_slots) {
         int expected = Free;
-        if (s.state.compare_exchange_strong(expected, Busy)) {
+        if (s.state.compare_exchange_strong(expected, Filling)) {
             std::memcpy(s.path, path.constData(), size_t(path.size()) + 1);
-            s.state.store(Held, std::memory_order_release);
-            return;
+            return &s;
         }
     }
+    return nullptr;
 }
 
 bool isOurs(const char* name)
@@ -70,12 +75,31 @@ bool before(const timespec& a, const timespec& b)
 int create(const QByteArray& folder, QByteArray& path)
 {
     path = folder + NativePath::Separator + Prefix + QByteArray(RandomLength, 'X');
-    const int fd = ::mkostemp(path.data(), O_CLOEXEC);
-    if (fd < 0)
-        return -1;
-    // Nobody else has the name yet, so the lock cannot be refused.
-    ::flock(fd, LOCK_EX | LOCK_NB);
-    track(path);
+    // The file is made under its slot's name, so there is no moment in which it exists and a stopping signal
+    // handled on this thread could not find it; on another thread the handler waits for the slot to fill.
+    sigset_t stopping, before;
+    sigemptyset(&stopping);
+    for (const int sig : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&stopping, sig);
+    ::pthread_sigmask(SIG_BLOCK, &stopping, &before);
+    Slot* slot = reserve(path);
+    int fd = -1;
+    if (slot && g_stopping.load()) {
+        slot->state.store(Free);
+        errno = EINTR;
+    } else {
+        fd = ::mkostemp(slot ? slot->path : path.data(), O_CLOEXEC);
+        const int error = errno;
+        if (slot) {
+            if (fd >= 0)
+                path = QByteArray(slot->path);
+            slot->state.store(fd >= 0 ? Held : Free);
+        }
+        errno = error;
+    }
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (fd >= 0)
+        ::flock(fd, LOCK_EX | LOCK_NB); // nobody else has the name yet, so the lock cannot be refused
     return fd;
 }
 
@@ -83,16 +107,19 @@ void forget(const QByteArray& path)
 {
     for (Slot& s : g_slots) {
         int expected = Held;
-        if (s.state.load(std::memory_order_acquire) == Held && path == s.path &&
-            s.state.compare_exchange_strong(expected, Busy))
-            s.state.store(Free, std::memory_order_release);
+        if (s.state.load() == Held && path == s.path && s.state.compare_exchange_strong(expected, Releasing))
+            s.state.store(Free);
     }
 }
 
 void removeTracked()
 {
+    g_stopping.store(true);
     for (Slot& s : g_slots) {
-        if (s.state.load(std::memory_order_acquire) == Held)
+        int state;
+        while ((state = s.state.load()) == Filling) {
+        }
+        if (state == Held)
             ::unlink(s.path);
     }
 }

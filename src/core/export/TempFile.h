@@ -21,7 +21,8 @@ void forget(const QByteArray& path);
 // locked: what saves and copies killed part-way left behind. Returns how many went.
 int removeStale(const QByteArray& folder);
 
-// Removes every file create() made that has not been forgotten yet. Safe in a signal handler.
+// Removes every file create() made that has not been forgotten yet; create() makes none after it. Safe in a
+// handler of SIGTERM, SIGINT or SIGHUP, which create() holds back while it makes a file.
 void removeTracked();
 #endif
 
