@@ -77,11 +77,11 @@ int create(const QByteArray& folder, QByteArray& path)
     path = folder + NativePath::Separator + Prefix + QByteArray(RandomLength, 'X');
     // The file is made under its slot's name, so there is no moment in which it exists and a stopping signal
     // handled on this thread could not find it; on another thread the handler waits for the slot to fill.
-    sigset_t stopping, before;
+    sigset_t stopping, previous;
     sigemptyset(&stopping);
     for (const int sig : {SIGTERM, SIGINT, SIGHUP})
         sigaddset(&stopping, sig);
-    ::pthread_sigmask(SIG_BLOCK, &stopping, &before);
+    ::pthread_sigmask(SIG_BLOCK, &stopping, &previous);
     Slot* slot = reserve(path);
     int fd = -1;
     if (slot && g_stopping.load()) {
@@ -97,7 +97,7 @@ int create(const QByteArray& folder, QByteArray& path)
         }
         errno = error;
     }
-    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    ::pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     if (fd >= 0)
         ::flock(fd, LOCK_EX | LOCK_NB); // nobody else has the name yet, so the lock cannot be refused
     return fd;
