@@ -8,10 +8,10 @@ pkgs=(cmake ninja-build g++ make qt6-base-dev qt6-multimedia-dev libgl-dev libsq
 pkgs+=(libqt6svg6)
 # Media in the player frame: Qt Multimedia's GStreamer backend with WAV, MP3 and AU (-good) and H.264 and AAC (-libav).
 pkgs+=(gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav)
-# The end-to-end test: an X server, a window manager with close boxes, real input, screenshots (xwd), window
-# properties (xprop), and the desktop's accessibility bus it reads the windows through (a session bus,
-# at-spi2-core, libatspi).
-pkgs+=(xvfb xdotool openbox wmctrl x11-apps x11-utils dbus-daemon dbus-bin at-spi2-core libatspi2.0-dev pkgconf)
+# The end-to-end test: an X server, a window manager with close boxes, real input, screenshots (ImageMagick's
+# import), window properties (xprop), and the desktop's accessibility bus it reads the windows through (a session
+# bus, at-spi2-core, libatspi).
+pkgs+=(xvfb xdotool openbox wmctrl imagemagick x11-utils dbus-daemon dbus-bin at-spi2-core libatspi2.0-dev pkgconf)
 # The installed launcher entry and AppStream file go through their validators.
 pkgs+=(desktop-file-utils appstream)
 # The formatting check: one pinned clang-format, so every machine formats alike.

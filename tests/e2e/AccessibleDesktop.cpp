@@ -12,9 +12,13 @@ AtspiAccessible* as(const std::shared_ptr<void>& p)
     return static_cast<AtspiAccessible*>(p.get());
 }
 
-// Takes a GLib string, frees it, and gives its text; a failed call gives an empty text.
-QString take(gchar* s, GError* error)
+// One of a node's texts from AT-SPI; a failed call gives an empty text.
+QString ask(const std::shared_ptr<void>& p, gchar* (*get)(AtspiAccessible*, GError**))
 {
+    if (!p)
+        return {};
+    GError* error = nullptr;
+    gchar* s = get(as(p), &error);
     g_clear_error(&error);
     const QString text = s ? QString::fromUtf8(s) : QString();
     g_free(s);
@@ -54,20 +58,17 @@ AccessibleNode AccessibleNode::application(const QString& name)
 
 QString AccessibleNode::name() const
 {
-    GError* error = nullptr;
-    return isNull() ? QString() : take(atspi_accessible_get_name(as(m_object), &error), error);
+    return ask(m_object, atspi_accessible_get_name);
 }
 
 QString AccessibleNode::description() const
 {
-    GError* error = nullptr;
-    return isNull() ? QString() : take(atspi_accessible_get_description(as(m_object), &error), error);
+    return ask(m_object, atspi_accessible_get_description);
 }
 
 QString AccessibleNode::role() const
 {
-    GError* error = nullptr;
-    return isNull() ? QString() : take(atspi_accessible_get_role_name(as(m_object), &error), error);
+    return ask(m_object, atspi_accessible_get_role_name);
 }
 
 static bool hasState(const std::shared_ptr<void>& object, AtspiStateType state)
@@ -121,17 +122,6 @@ QList<AccessibleNode> AccessibleNode::children() const
         g_clear_error(&error);
     }
     return list;
-}
-
-QString AccessibleNode::text() const
-{
-    AtspiText* text = isNull() ? nullptr : atspi_accessible_get_text_iface(as(m_object));
-    if (!text)
-        return {};
-    GError* error = nullptr;
-    const QString content = take(atspi_text_get_text(text, 0, -1, &error), error);
-    g_object_unref(text);
-    return content;
 }
 
 QString AccessibleNode::cell(int row) const

@@ -9,7 +9,7 @@
 #include <memory>
 
 // The desktop as a screen reader sees it, over the accessibility bus (AT-SPI): applications, their windows and
-// controls, each with its role, name, states, place on the screen and, for lists, grids and boxes, its content.
+// controls, each with its role, name, states, place on the screen and, for lists and grids, their rows.
 // Every question goes to the program as it runs; nothing is cached between two of them.
 class AccessibleNode
 {
@@ -28,13 +28,11 @@ public:
     QRect extents() const; // on the screen
     QList<AccessibleNode> children() const;
 
-    // What an editable box holds.
-    QString text() const;
     // The text at one row of a list or a grid, in its first column.
     QString cell(int row) const;
 
     // The first node below this one (depth first) that `match` accepts. The rows of lists, grids and trees are
-    // not searched: ask those through rowCount() and cell(), or find() on the list itself.
+    // not searched: ask those through cell(), or find() on the list itself.
     AccessibleNode find(const std::function<bool(const AccessibleNode&)>& match, bool intoRows = false) const;
     AccessibleNode find(const QString& role, const QString& name) const;
 
