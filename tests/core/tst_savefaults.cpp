@@ -69,22 +69,6 @@ private slots:
                  before[QStringLiteral("Files List WithPath keep.txt")]);
     }
 
-    void targetMadeAFolder()
-    {
-        const auto before = listings();
-        QVERIFY(QDir().mkpath(box() + QStringLiteral("/Files List - blocked.txt")));
-        const ListerRun p = list({}, words("--yes --name blocked") << root());
-        QCOMPARE(p.code, 3);
-        QVERIFY(p.err.contains("Change the SAVE Location. Access denied to Save in the application location."));
-        // Files 1 and 2 of the new set were written before file 4 failed, and stay; nothing else changed.
-        const auto after = listings();
-        for (auto it = before.begin(); it != before.end(); ++it)
-            QCOMPARE(after.value(it.key()), it.value());
-        QCOMPARE(after.size(), before.size() + 2);
-        QVERIFY(after.contains(QStringLiteral("Folders List - blocked.txt")));
-        QDir(box() + QStringLiteral("/Files List - blocked.txt")).removeRecursively();
-    }
-
     // What a save killed part-way left (kill -9 gives no chance to clean up) goes with the next save; a temporary
     // file that a running save holds locked, and any other name, stay.
     void killedSaveCleanedUpByTheNext()
