@@ -98,33 +98,24 @@ private slots:
         const auto scans = c->scans();
         QVERIFY(scans && scans->size() == 1);
         const ScanInfo& s = scans->front();
-        QCOMPARE(s.id, *id);
-        QCOMPARE(s.startPath, QByteArray("/data"));
-        QCOMPARE(s.scannedAtMs, 1700000000000);
-        QCOMPARE(s.durationMs, 1234);
-        QCOMPARE(s.folderCount, 4);
-        QCOMPARE(s.fileCount, 7);
-        QCOMPARE(s.listingName, QStringLiteral("backup"));
-        QCOMPARE(s.volume.uuid, QStringLiteral("1111-2222"));
-        QCOMPARE(s.volume.capacity, 1000000);
-        QCOMPARE(s.volume.freeBytes, 5000);
-        QVERIFY(s.shortFlavour && !s.complete);
+        QCOMPARE(
+            (QVariantList{s.id, s.startPath, s.scannedAtMs, s.durationMs, s.folderCount, s.fileCount, s.listingName,
+                          s.volume.uuid, s.volume.capacity, s.volume.freeBytes, s.shortFlavour, s.complete}),
+            (QVariantList{*id, QByteArray("/data"), 1700000000000LL, 1234, 4, 7, QStringLiteral("backup"),
+                          QStringLiteral("1111-2222"), 1000000, 5000, true, false}));
 
         std::map<QByteArray, FindHit> byPath;
         for (FindHit& h : hits(*c, {}))
             byPath[h.path] = h;
         QCOMPARE(byPath.size(), size_t(11));
-        const FindHit& odd = byPath.at("/data/\xff\xfe odd/x\xe9y.bin");
-        QCOMPARE(odd.name(), QByteArray("x\xe9y.bin"));
-        QCOMPARE(odd.bytes, 7);
-        QCOMPARE(odd.mtime, 24 * Day);
-        QVERIFY(!odd.folder);
-        const FindHit& y2010 = byPath.at("/data/Photos/2010");
-        QVERIFY(y2010.folder);
-        QCOMPARE(y2010.bytes, 100);
-        QCOMPARE(y2010.mtime, 11 * Day);
-        QCOMPARE(y2010.name(), QByteArray("2010"));
-        QCOMPARE(y2010.scan->volume.label, QStringLiteral("DATA"));
+        const auto hit = [&](const QByteArray& path) {
+            const FindHit& h = byPath.at(path);
+            return QVariantList{h.name(), h.bytes, h.mtime, h.folder, h.scan->volume.label};
+        };
+        QCOMPARE(hit("/data/\xff\xfe odd/x\xe9y.bin"),
+                 (QVariantList{QByteArray("x\xe9y.bin"), 7, 24 * Day, false, QStringLiteral("DATA")}));
+        QCOMPARE(hit("/data/Photos/2010"),
+                 (QVariantList{QByteArray("2010"), 100, 11 * Day, true, QStringLiteral("DATA")}));
     }
 
     // Every kind of search and filter on the sample tree; a search is for a substring of the name in any case.
@@ -260,11 +251,8 @@ private slots:
 
         const auto d = c->diff(*older, *newer);
         QVERIFY(d);
-        QCOMPARE(d->filesAdded, 1);
-        QCOMPARE(d->filesRemoved, 1);
-        QCOMPARE(d->filesChanged, 2);
-        QCOMPARE(d->foldersChanged, 1);
-        QCOMPARE(d->bytesDelta, 145);
+        QCOMPARE((QVariantList{d->filesAdded, d->filesRemoved, d->filesChanged, d->foldersChanged, d->bytesDelta}),
+                 (QVariantList{1, 1, 2, 1, 145}));
         QStringList seen;
         for (const DiffItem& i : d->items)
             seen.append(QStringLiteral("%1 %2 %3->%4")
@@ -319,21 +307,16 @@ private slots:
         const auto id = c->importListing({m_dir->filePath(QStringLiteral("Files List - old.txt"))}, {}, &error);
         QVERIFY2(id, qPrintable(error));
         const ScanInfo s = c->scans()->front();
-        QVERIFY(s.imported);
-        QCOMPARE(s.separator, '\\');
-        QCOMPARE(s.startPath, QByteArray("C:\\DATA"));
-        QCOMPARE(s.listingName, QStringLiteral("old"));
-        QCOMPARE(s.folderCount, 2);
-        QCOMPARE(s.fileCount, 2);
-        QCOMPARE(QDateTime::fromMSecsSinceEpoch(s.scannedAtMs, Qt::UTC).date(), QDate(2009, 3, 5));
+        QCOMPARE((QVariantList{s.imported, s.separator, s.startPath, s.listingName, s.folderCount, s.fileCount,
+                               QDateTime::fromMSecsSinceEpoch(s.scannedAtMs, Qt::UTC).date()}),
+                 (QVariantList{true, '\\', QByteArray("C:\\DATA"), QStringLiteral("old"), 2, 2, QDate(2009, 3, 5)}));
 
         FindQuery q;
         q.text = QStringLiteral("\u20ac");
         const auto found = hits(*c, q);
         QCOMPARE(found.size(), size_t(1));
-        QCOMPARE(found.front().path, QByteArray("C:\\DATA\\Caf\xc3\xa9\\Sub\\price \xe2\x82\xac.txt"));
-        QCOMPARE(found.front().bytes, NoSize);
-        QCOMPARE(found.front().mtime, NoTime);
+        QCOMPARE((QVariantList{found.front().path, found.front().bytes, found.front().mtime}),
+                 (QVariantList{QByteArray("C:\\DATA\\Caf\xc3\xa9\\Sub\\price \xe2\x82\xac.txt"), NoSize, NoTime}));
         q.text = QStringLiteral("CAF\u00c9");
         q.kinds = FindQuery::Kinds::Folders;
         const auto folder = hits(*c, q);
