@@ -37,15 +37,9 @@ private slots:
         const auto id = ScanRecorder::record(*c, {r.get(), 1700000000000, 42, QStringLiteral("set")}, &error);
         QVERIFY2(id, qPrintable(error));
         const ScanInfo s = c->scans()->front();
-        QCOMPARE(s.startPath, t.root());
-        QCOMPARE(s.folderCount, 3);
-        QCOMPARE(s.fileCount, 4);
-        QCOMPARE(s.totalBytes, 73017);
-        QCOMPARE(s.durationMs, 42);
-        QVERIFY(s.complete);
-        QVERIFY(!s.volume.mountPoint.isEmpty());
-        QVERIFY(!s.volume.fsType.isEmpty());
-        QVERIFY(s.volume.capacity > 0);
+        QCOMPARE((QVariantList{s.startPath, s.folderCount, s.fileCount, s.totalBytes, s.durationMs, s.complete}),
+                 (QVariantList{t.root(), 3, 4, 73017, 42, true}));
+        QVERIFY(!s.volume.mountPoint.isEmpty() && !s.volume.fsType.isEmpty() && s.volume.capacity > 0);
 
         std::map<QByteArray, std::pair<qint64, qint64>> found;
         c->find({}, [&](std::vector<FindHit>& batch) {
