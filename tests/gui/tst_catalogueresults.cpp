@@ -83,14 +83,11 @@ private slots:
         batch.add(hitAt(scan, path, 42, 7));
         batch.add(hitAt(scan, path + "2"));
         store.append(std::move(batch));
+        const auto bytes = [](std::string_view v) { return QByteArray(v.data(), qsizetype(v.size())); };
         QCOMPARE(store.size(), std::size_t(3));
-        QCOMPARE(store.path(1), path);
-        QCOMPARE(store.path(2), path + "2");
-        QCOMPARE(QByteArray(store.folder(1).data(), qsizetype(store.folder(1).size())), folder);
-        QCOMPARE(QByteArray(store.name(1).data(), qsizetype(store.name(1).size())), name);
-        QCOMPARE(store.bytes(1), qint64(42));
-        QCOMPARE(store.mtime(1), qint64(7));
-        QCOMPARE(store.path(0), QByteArray("/elsewhere/x"));
+        QCOMPARE((QVariantList{store.path(0), store.path(1), store.path(2), bytes(store.folder(1)),
+                               bytes(store.name(1)), store.bytes(1), store.mtime(1)}),
+                 (QVariantList{QByteArray("/elsewhere/x"), path, path + "2", folder, name, 42, 7}));
     }
 
     void sortsByEachColumn_data()
