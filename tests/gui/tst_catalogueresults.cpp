@@ -51,7 +51,8 @@ class TestCatalogueResults : public QObject
 {
     Q_OBJECT
 private slots:
-    // Every path comes back byte for byte, whether it went through a small batch or was moved into the store.
+    // Every path comes back byte for byte, whether it went through a small batch or was moved into the store, and
+    // a folder path held once serves every hit in it, in any batch and from any scan, squeezed or not.
     void keepsPaths_data()
     {
         QTest::addColumn<QByteArray>("path");
@@ -75,19 +76,26 @@ private slots:
         QFETCH(QByteArray, folder);
         QFETCH(QByteArray, name);
         const auto scan = scanOn(QStringLiteral("DATA"), 1000, separator);
+        const auto other = scanOn(QStringLiteral("ZIP"), 2000, separator);
         CatalogueResults store;
         CatalogueResults first;
         first.add(hitAt(scan, "/elsewhere/x"));
+        first.add(hitAt(scan, path, 42, 7));
         store.append(std::move(first));
+        store.squeeze();
         CatalogueResults batch;
-        batch.add(hitAt(scan, path, 42, 7));
         batch.add(hitAt(scan, path + "2"));
+        batch.add(hitAt(other, path));
+        batch.add(hitAt(scan, "/elsewhere/y"));
         store.append(std::move(batch));
         const auto bytes = [](std::string_view v) { return QByteArray(v.data(), qsizetype(v.size())); };
-        QCOMPARE(store.size(), std::size_t(3));
-        QCOMPARE((QVariantList{store.path(0), store.path(1), store.path(2), bytes(store.folder(1)),
-                               bytes(store.name(1)), store.bytes(1), store.mtime(1)}),
-                 (QVariantList{QByteArray("/elsewhere/x"), path, path + "2", folder, name, 42, 7}));
+        QCOMPARE(store.size(), std::size_t(5));
+        QCOMPARE((QVariantList{store.path(0), store.path(1), store.path(2), store.path(3), store.path(4),
+                               bytes(store.folder(1)), bytes(store.name(1)), store.bytes(1), store.mtime(1),
+                               bytes(store.folder(3)), store.scan(2).volume.label, store.scan(3).volume.label,
+                               store.sameFolder(1, 3), store.sameFolder(0, 4), store.sameFolder(0, 1)}),
+                 (QVariantList{QByteArray("/elsewhere/x"), path, path + "2", path, QByteArray("/elsewhere/y"), folder,
+                               name, 42, 7, folder, u"DATA"_s, u"ZIP"_s, true, true, false}));
     }
 
     void sortsByEachColumn_data()

@@ -42,11 +42,12 @@ int compareRows(const CatalogueResults& r, ResultSorter::Key key, std::uint32_t 
     switch (key) {
     case ResultSorter::Key::Name:
         c = compareText(r.name(a), r.name(b));
-        if (c == 0)
+        if (c == 0 && !r.sameFolder(a, b))
             c = compareText(r.folder(a), r.folder(b));
         break;
     case ResultSorter::Key::Folder:
-        c = compareText(r.folder(a), r.folder(b));
+        if (!r.sameFolder(a, b))
+            c = compareText(r.folder(a), r.folder(b));
         if (c == 0)
             c = compareText(r.name(a), r.name(b));
         break;
