@@ -10,8 +10,24 @@
 #include <QLocale>
 #include <QStyle>
 #include <climits>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 using namespace CatalogueRecords;
+
+namespace {
+
+// A search's batches and a sort's buffers are freed on other threads, in heaps of their own that the C library
+// keeps for reuse; given back, they leave the window's memory what its rows hold.
+void releaseFreedMemory()
+{
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
+}
+
+} // namespace
 
 CatalogueResultModel::CatalogueResultModel(QObject* parent)
     : QAbstractTableModel(parent), m_results(std::make_shared<CatalogueResults>())
@@ -54,6 +70,8 @@ void CatalogueResultModel::append(CatalogueResults&& batch)
 void CatalogueResultModel::finish()
 {
     m_streaming = false;
+    m_results->squeeze();
+    releaseFreedMemory();
     if (m_sortColumn >= 0)
         startSort();
 }
@@ -188,5 +206,6 @@ void CatalogueResultModel::applyOrder(const std::shared_ptr<const CatalogueResul
         changePersistentIndexList(before, after);
     }
     emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    releaseFreedMemory();
     emit sortingChanged(false);
 }
