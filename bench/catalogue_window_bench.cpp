@@ -9,6 +9,7 @@
 #include "catalogue/CatalogueResultModel.h"
 #include "catalogue/CatalogueResults.h"
 #include "catalogue/CatalogueWindow.h"
+#include "catalogue/CatalogueWindowMain.h"
 #include "catalogue/ScanSource.h"
 #include "catalogue/SqliteCatalogue.h"
 #include "platform/Services.h"
@@ -50,8 +51,9 @@ qint64 threadCpuUs()
 
 void report(const char* step)
 {
-    std::printf("%-34s RSS %7.1f MB  (peak %7.1f MB)\n", step, double(statusKb("VmRSS:")) / 1024.0,
-                double(statusKb("VmHWM:")) / 1024.0);
+    std::printf("%-34s RSS %7.1f MB  (peak %7.1f MB; heap and stacks %.1f MB, files %.1f MB)\n", step,
+                double(statusKb("VmRSS:")) / 1024.0, double(statusKb("VmHWM:")) / 1024.0,
+                double(statusKb("RssAnon:")) / 1024.0, double(statusKb("RssFile:") + statusKb("RssShmem:")) / 1024.0);
     std::fflush(stdout);
 }
 
@@ -138,8 +140,8 @@ int main(int argc, char** argv)
     SystemVolumeService volumes;
     Services services;
     services.volumes = &volumes;
-    CatalogueWindow window(services,
-                           [path](QString* e) -> std::unique_ptr<Catalogue> { return SqliteCatalogue::open(path, e); });
+    // The catalogue opened as the program opens it for its window.
+    CatalogueWindow window(services, [path](QString* e) { return openWindowCatalogue(path, e); });
     window.resize(1200, 800);
     window.show();
     QApplication::processEvents();

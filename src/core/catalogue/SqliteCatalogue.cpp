@@ -182,6 +182,11 @@ std::unique_ptr<SqliteCatalogue> SqliteCatalogue::open(const QString& path, QStr
     return c;
 }
 
+bool SqliteCatalogue::setCacheSize(int kib, QString* error)
+{
+    return exec(("PRAGMA cache_size=-" + std::to_string(std::max(kib, 1))).c_str(), error);
+}
+
 QString SqliteCatalogue::defaultPath()
 {
     return CollectionFolder().filePath(QStringLiteral("catalogue.sqlite"));

@@ -34,6 +34,9 @@ public:
     ~SqliteCatalogue() override;
 
     int schemaVersion() const { return m_version; }
+    // Keeps at most `kib` KiB of the catalogue's pages in memory (32 MiB as opened). A search reads each block
+    // once, so a connection kept open only to search gains little from many.
+    bool setCacheSize(int kib, QString* error = nullptr);
 
     std::optional<qint64> record(const ScanInfo& info, const ScanSource& source, QString* error = nullptr,
                                  const Progress& progress = {}) override;

@@ -10,6 +10,18 @@
 #include <QApplication>
 #include <QIcon>
 
+namespace {
+constexpr int WindowCacheKib = 2048;
+} // namespace
+
+std::unique_ptr<Catalogue> openWindowCatalogue(const QString& path, QString* error)
+{
+    std::unique_ptr<SqliteCatalogue> catalogue = SqliteCatalogue::open(path, error);
+    if (catalogue && !catalogue->setCacheSize(WindowCacheKib, error))
+        return nullptr;
+    return catalogue;
+}
+
 int runCatalogueWindow(int argc, char* argv[])
 {
     QApplication app(argc, argv);
@@ -22,9 +34,7 @@ int runCatalogueWindow(int argc, char* argv[])
 
     SystemServices system;
     const QString path = SqliteCatalogue::defaultPath();
-    CatalogueWindow window(system.services(), [path](QString* error) -> std::unique_ptr<Catalogue> {
-        return SqliteCatalogue::open(path, error);
-    });
+    CatalogueWindow window(system.services(), [path](QString* error) { return openWindowCatalogue(path, error); });
     window.show();
     return app.exec();
 }
