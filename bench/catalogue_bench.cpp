@@ -10,6 +10,9 @@
 //    counting their hits, and of 1- and 2-character searches;
 //  - bytes per entry on disk of both;
 //  - the same measures for an SQLite FTS5 trigram index (detail=none) over the same names, unless --no-fts5.
+//
+// quillary-catalogue-bench --search CATALOGUE [TEXT...]: only the catalogue's own search times, over a catalogue
+// already recorded, to time a change to the search without recording again; the given texts, else all of them.
 #include "catalogue/ScanRecorder.h"
 #include "catalogue/ScanResultSource.h"
 #include "catalogue/SqliteCatalogue.h"
@@ -53,6 +56,72 @@ struct Row
     double ms = 0, plocateMs = 0, ftsMs = -1;
 };
 
+const QStringList searchTexts = {
+    QStringLiteral("qqqzx"),        QStringLiteral("\U0001F3B5 164"),
+    QStringLiteral("data set 152"), QStringLiteral("Track2016.l"),
+    QStringLiteral("invoice 84"),   QStringLiteral("\u00dcbersicht.h"),
+    QStringLiteral("Album 20"),     QStringLiteral("\u0424\u043e\u0442\u043e"),
+    QStringLiteral("report.do"),    QStringLiteral("setup.xls"),
+    QStringLiteral("emoji"),        QStringLiteral("invoice"),
+    QStringLiteral("Track"),        QStringLiteral("album"),
+    QStringLiteral(".html"),        QStringLiteral("photo"),
+    QStringLiteral(".log"),         QStringLiteral("set"),
+    QStringLiteral("ack"),          QStringLiteral("ta s"),
+    QStringLiteral("rac"),          QStringLiteral("000"),
+};
+
+// One search over every scan, its hits counted as they arrive: what any caller pays at the least.
+double timeFind(Catalogue& catalogue, const QString& text, qint64& hits)
+{
+    FindQuery q;
+    q.text = text;
+    q.allScans = true;
+    hits = 0;
+    return timeMs([&] {
+        catalogue.find(q, [&](std::vector<FindHit>& batch) {
+            hits += qint64(batch.size());
+            return true;
+        });
+    });
+}
+
+void timeShortTexts(Catalogue& catalogue)
+{
+    for (const QString& text :
+         {QStringLiteral("a"), QStringLiteral("\u00dc"), QStringLiteral("mp"), QStringLiteral("zq")}) {
+        std::vector<double> t;
+        qint64 n = 0;
+        for (int i = 0; i < 3; ++i)
+            t.push_back(timeFind(catalogue, text, n));
+        std::printf("Short text %-4s %9lld hits, median %.0f ms\n", qPrintable(text), n, median(t));
+        std::fflush(stdout);
+    }
+}
+
+int searchOnly(const QString& path, const QStringList& only)
+{
+    QString error;
+    auto catalogue = SqliteCatalogue::open(path, &error);
+    if (!catalogue) {
+        std::fprintf(stderr, "%s\n", qPrintable(error));
+        return 1;
+    }
+    std::vector<double> medians;
+    for (const QString& text : only.isEmpty() ? searchTexts : only) {
+        std::vector<double> t;
+        qint64 n = 0;
+        for (int i = 0; i < 5; ++i)
+            t.push_back(timeFind(*catalogue, text, n));
+        medians.push_back(median(t));
+        std::printf("  %-16s catalogue %9lld hits %8.1f ms\n", qPrintable(text), n, medians.back());
+        std::fflush(stdout);
+    }
+    std::printf("Median over %zu texts: catalogue %.1f ms\n", medians.size(), median(medians));
+    if (only.isEmpty())
+        timeShortTexts(*catalogue);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -60,8 +129,11 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     QStringList args = app.arguments().mid(1);
     const bool fts = !args.removeAll(QStringLiteral("--no-fts5"));
+    if (args.size() >= 2 && args[0] == QStringLiteral("--search"))
+        return searchOnly(args[1], args.mid(2));
     if (args.size() < 2) {
-        std::fprintf(stderr, "usage: quillary-catalogue-bench TREE WORKDIR [COPIES] [--no-fts5]\n");
+        std::fprintf(stderr, "usage: quillary-catalogue-bench TREE WORKDIR [COPIES] [--no-fts5]\n"
+                             "       quillary-catalogue-bench --search CATALOGUE [TEXT...]\n");
         return 2;
     }
     const QByteArray tree = QFile::encodeName(QDir(args[0]).absolutePath());
@@ -166,36 +238,13 @@ int main(int argc, char** argv)
     }
     std::fflush(stdout);
 
-    const QStringList texts = {
-        QStringLiteral("qqqzx"),        QStringLiteral("\U0001F3B5 164"),
-        QStringLiteral("data set 152"), QStringLiteral("Track2016.l"),
-        QStringLiteral("invoice 84"),   QStringLiteral("\u00dcbersicht.h"),
-        QStringLiteral("Album 20"),     QStringLiteral("\u0424\u043e\u0442\u043e"),
-        QStringLiteral("report.do"),    QStringLiteral("setup.xls"),
-        QStringLiteral("emoji"),        QStringLiteral("invoice"),
-        QStringLiteral("Track"),        QStringLiteral("album"),
-        QStringLiteral(".html"),        QStringLiteral("photo"),
-        QStringLiteral(".log"),         QStringLiteral("set"),
-        QStringLiteral("ack"),          QStringLiteral("ta s"),
-        QStringLiteral("rac"),          QStringLiteral("000"),
-    };
     std::vector<Row> rows;
-    for (const QString& text : texts) {
+    for (const QString& text : searchTexts) {
         Row row;
         row.text = text;
         std::vector<double> ours, theirs, ftsTimes;
         for (int i = 0; i < runs; ++i) {
-            FindQuery q;
-            q.text = text;
-            q.allScans = true;
-            qint64 n = 0;
-            ours.push_back(timeMs([&] {
-                catalogue->find(q, [&](std::vector<FindHit>& batch) {
-                    n += qint64(batch.size());
-                    return true;
-                });
-            }));
-            row.hits = n;
+            ours.push_back(timeFind(*catalogue, text, row.hits));
             QProcess p;
             theirs.push_back(timeMs([&] {
                 p.start(QStringLiteral("plocate"), {QStringLiteral("-d"), dbList, QStringLiteral("-b"),
@@ -232,25 +281,7 @@ int main(int argc, char** argv)
     std::printf("Median over %zu texts: catalogue %.1f ms, plocate %.1f ms, FTS5 %.1f ms\n", rows.size(), median(a),
                 median(b), median(c));
 
-    for (const QString& text :
-         {QStringLiteral("a"), QStringLiteral("\u00dc"), QStringLiteral("mp"), QStringLiteral("zq")}) {
-        std::vector<double> t;
-        qint64 n = 0;
-        for (int i = 0; i < 3; ++i) {
-            FindQuery q;
-            q.text = text;
-            q.allScans = true;
-            n = 0;
-            t.push_back(timeMs([&] {
-                catalogue->find(q, [&](std::vector<FindHit>& batch) {
-                    n += qint64(batch.size());
-                    return true;
-                });
-            }));
-        }
-        std::printf("Short text %-4s %9lld hits, median %.0f ms\n", qPrintable(text), n, median(t));
-        std::fflush(stdout);
-    }
+    timeShortTexts(*catalogue);
     if (ftsDb)
         sqlite3_close(ftsDb);
     return 0;

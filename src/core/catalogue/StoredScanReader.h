@@ -6,6 +6,7 @@
 #include "catalogue/EntryBlock.h"
 
 #include <QByteArray>
+#include <atomic>
 #include <functional>
 #include <string>
 #include <vector>
@@ -26,21 +27,24 @@ public:
     // Calls `visit` with every block in [first, last] that exists, in order; `visit` answers false to stop.
     bool forEachBlock(qint64 first, qint64 last, const std::function<bool(qint64 seq, EntryBlock&)>& visit,
                       QString* error);
-    // One block; false with an error when it is missing or damaged.
-    bool readBlock(qint64 seq, std::string& bytes, QString* error);
 
-    // The full path of folder `index` (0: the start folder); reads the folder blocks on first use.
+    // Reads the folder blocks and builds every folder's path, once; the paths below are valid after it. From
+    // then on the reader only reads, so several threads may build paths at once; another thread may also ask
+    // `foldersLoaded()` while this one loads them.
     bool loadFolders(QString* error);
-    const QByteArray& folderPath(std::uint32_t index);
-    // `name` appended to folder `parent`'s path with the separator between them (a root has its own).
-    QByteArray childPath(std::uint32_t parent, std::string_view name, int* nameOffset = nullptr);
+    bool foldersLoaded() const { return m_foldersLoaded.load(std::memory_order_acquire); }
+    // The full path of folder `index` (0: the start folder).
+    std::string_view folderPath(std::uint32_t index) const;
+    // `name` appended to folder `parent`'s path with the separator between them (a root has its own), in one
+    // allocation: a search makes one of these per hit.
+    QByteArray childPath(std::uint32_t parent, std::string_view name, int* nameOffset = nullptr) const;
 
 private:
     sqlite3* m_db;
     const ScanInfo& m_scan;
-    bool m_foldersLoaded = false;
-    std::vector<std::uint32_t> m_parents;
-    std::vector<std::string> m_names;
-    std::vector<QByteArray> m_paths;
-    std::vector<bool> m_pathKnown;
+    std::atomic_bool m_foldersLoaded = false;
+    // Every folder's path back to back in one string, so millions of paths cost no allocation each.
+    std::string m_paths;
+    std::vector<std::size_t> m_pathStart;
+    std::vector<std::uint32_t> m_pathLength;
 };
