@@ -25,7 +25,7 @@ void EntryBlock::putVarint(std::string& out, std::uint64_t v)
     out.push_back(char(v));
 }
 
-bool EntryBlock::getVarint(const char*& p, const char* end, std::uint64_t& v)
+bool EntryBlock::getLongVarint(const char*& p, const char* end, std::uint64_t& v)
 {
     v = 0;
     for (int shift = 0; shift < 70; shift += 7) {

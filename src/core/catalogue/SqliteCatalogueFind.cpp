@@ -52,13 +52,20 @@ struct SqliteCatalogue::FindState
         stop = true;
         return false;
     }
-    // Hands on a run of hits that follows those in the batch.
+    // Hands on a run of hits that follows those in the batch. What the sink leaves of them stays in `hits`,
+    // for the thread that made them to free.
     bool handOver(std::vector<FindHit>& hits)
     {
         if (!flush())
             return false;
-        batch.swap(hits);
-        return counted(0) && flush();
+        if (query.limit >= 0 && found + qint64(hits.size()) >= query.limit) {
+            hits.resize(size_t(query.limit - found));
+            stop = true;
+        }
+        found += qint64(hits.size());
+        if (!hits.empty() && !sink(hits))
+            stop = true;
+        return !stop;
     }
 };
 
@@ -246,6 +253,7 @@ struct Chunk
     qint64 damaged = -1;       // the block that would not parse
     bool needsFolders = false; // a hit came before the folders were loaded: searched again after
     bool done = false;
+    bool byHelper = false; // the hits were made on the helper thread, which frees them too
 
     void clear()
     {
@@ -253,7 +261,7 @@ struct Chunk
         blocks.clear();
         hits.clear();
         damaged = -1;
-        needsFolders = done = false;
+        needsFolders = done = byHelper = false;
     }
 };
 
@@ -288,7 +296,10 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
     std::condition_variable changed;
     std::deque<std::unique_ptr<Chunk>> ahead;  // read and not handed on yet, in block order
     std::deque<Chunk*> waiting;                // of those, the ones no thread has taken yet
-    std::vector<std::unique_ptr<Chunk>> spare; // handed on, kept for their memory
+    std::vector<std::unique_ptr<Chunk>> spare; // handed on and cleared, kept for their memory
+    // Handed on, with hits the helper made. It frees them itself: memory freed by the thread that took it
+    // is a lock less for each of millions of hits.
+    std::vector<std::unique_ptr<Chunk>> spent;
     bool closing = false;
     const auto take = [&]() -> Chunk* {
         if (waiting.empty())
@@ -297,11 +308,12 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
         waiting.pop_front();
         return c;
     };
-    const auto searchAndMark = [&](Chunk* c, std::unique_lock<std::mutex>& lock) {
+    const auto searchAndMark = [&](Chunk* c, std::unique_lock<std::mutex>& lock, bool byHelper) {
         lock.unlock();
         searchChunk(search, *c);
         lock.lock();
         c->done = true;
+        c->byHelper = byHelper;
         changed.notify_all();
     };
     // Whatever way this function is left, the helper is stopped and joined first.
@@ -326,10 +338,18 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
         helper.thread = std::thread([&] {
             std::unique_lock lock(mutex);
             while (!closing) {
-                if (Chunk* c = take())
-                    searchAndMark(c, lock);
-                else
+                if (!spent.empty()) {
+                    std::unique_ptr<Chunk> c = std::move(spent.back());
+                    spent.pop_back();
+                    lock.unlock();
+                    c->clear();
+                    lock.lock();
+                    spare.push_back(std::move(c));
+                } else if (Chunk* c = take()) {
+                    searchAndMark(c, lock, true);
+                } else {
                     changed.wait(lock);
+                }
             }
         });
     } catch (const std::system_error&) {
@@ -346,7 +366,7 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
             if (ready->needsFolders) {
                 if (!search.reader.loadFolders(error))
                     return false;
-                ready->needsFolders = false;
+                ready->needsFolders = ready->byHelper = false;
                 searchChunk(search, *ready);
             }
             if (!deliver(ready->hits))
@@ -356,13 +376,14 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
                     *error = damaged(search.scan->id, ready->damaged);
                 return false;
             }
-            ready->clear();
-            spare.push_back(std::move(ready));
+            if (!ready->byHelper)
+                ready->clear();
             lock.lock();
+            (ready->byHelper ? spent : spare).push_back(std::move(ready));
+            changed.notify_all();
         } else if (search.cancelled()) {
             return true;
         } else if (more && ahead.size() < ChunksAhead) {
-            lock.unlock();
             std::unique_ptr<Chunk> chunk;
             if (spare.empty()) {
                 chunk = std::make_unique<Chunk>();
@@ -370,6 +391,7 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
                 chunk = std::move(spare.back());
                 spare.pop_back();
             }
+            lock.unlock();
             qint64 seq = 0;
             std::string_view bytes;
             while (chunk->blocks.size() < chunkBlocks && (more = feed.next(seq, bytes, error))) {
@@ -387,7 +409,7 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
         } else if (ahead.empty()) {
             return true;
         } else if (Chunk* c = take()) {
-            searchAndMark(c, lock);
+            searchAndMark(c, lock, false);
         } else {
             changed.wait(lock, [&] { return ahead.front()->done; });
         }
