@@ -209,6 +209,44 @@ private slots:
         QCOMPARE(names(*c, q), QByteArrayList({"report-new.txt", "report-old.txt", "report-other.txt"}));
     }
 
+    // A big scan's blocks are searched on two threads: the hits are still those of one pass over the entries,
+    // in entry order, and a limit keeps the first of them.
+    void manyBlocksGiveHitsInEntryOrder()
+    {
+        FixtureScan t;
+        QByteArrayList paths{"/data"}; // by entry number: the folders, then the files
+        for (int i = 1; i <= 300; ++i) {
+            const auto parent = std::uint32_t(i <= 10 ? 0 : i / 10);
+            const QByteArray name = "dir" + QByteArray::number(i) + (i % 7 ? "" : "_Mp");
+            t.folder(parent, name);
+            paths.append(paths[parent] + '/' + name);
+        }
+        for (int i = 0; i < 6000; ++i) {
+            const auto parent = std::uint32_t(i % 301);
+            const QByteArray name = "f" + QByteArray::number(i * 7919 % 10007) + (i % 3 ? ".txt" : ".mpg");
+            t.file(parent, name);
+            paths.append(paths[parent] + '/' + name);
+        }
+        auto c = SqliteCatalogue::open(m_path);
+        QVERIFY(c->record(fixtureInfo("/data", 1000), t));
+        using K = FindQuery::Kinds;
+        for (const FindQuery& q : {FindQuery{.text = QStringLiteral("1")}, FindQuery{.text = QStringLiteral("mP")},
+                                   FindQuery{.text = QStringLiteral(".TXT")}, FindQuery{.text = QStringLiteral("dir2")},
+                                   FindQuery{.text = QStringLiteral("r1/"), .matchPath = true},
+                                   FindQuery{.text = QStringLiteral("1"), .kinds = K::Files, .limit = 700}}) {
+            QByteArrayList expected, found;
+            for (qsizetype k = 1; k < paths.size(); ++k) {
+                const QByteArray name = paths[k].mid(paths[k].lastIndexOf('/') + 1);
+                if ((q.kinds != K::Files || k > 300) &&
+                    (q.matchPath ? paths[k] : name).toUpper().contains(q.text.toLatin1().toUpper()))
+                    expected.append(paths[k] + '|' + name);
+            }
+            for (const FindHit& h : hits(*c, q))
+                found.append(h.path + '|' + h.name());
+            QCOMPARE(found, q.limit < 0 ? expected : expected.mid(0, q.limit));
+        }
+    }
+
     void searchStopsWhenTheSinkSaysSo()
     {
         auto c = SqliteCatalogue::open(m_path);
