@@ -210,30 +210,33 @@ private slots:
     }
 
     // A big scan's blocks are searched on two threads: the hits are still those of one pass over the entries,
-    // in entry order, and a limit keeps the first of them.
+    // in entry order, and a limit keeps the first of them. Past some thousands of hits the folders' paths are
+    // laid out once instead of walked for each hit: the paths stay the same.
     void manyBlocksGiveHitsInEntryOrder()
     {
         FixtureScan t;
-        QByteArrayList paths{"/data"}; // by entry number: the folders, then the files
-        for (int i = 1; i <= 300; ++i) {
-            const auto parent = std::uint32_t(i <= 10 ? 0 : i / 10);
-            const QByteArray name = "dir" + QByteArray::number(i) + (i % 7 ? "" : "_Mp");
-            t.folder(parent, name);
-            paths.append(paths[parent] + '/' + name);
-        }
-        for (int i = 0; i < 6000; ++i) {
-            const auto parent = std::uint32_t(i % 301);
-            const QByteArray name = "f" + QByteArray::number(i * 7919 % 10007) + (i % 3 ? ".txt" : ".mpg");
-            t.file(parent, name);
-            paths.append(paths[parent] + '/' + name);
+        QByteArrayList paths(301); // by entry number: the folders, then the files
+        paths[0] = "/data";
+        // Chains of folders 30 deep, each numbered before its parent.
+        const auto parent = [](int i) { return std::uint32_t(i > 290 ? 0 : i + 10); };
+        const auto name = [](int i) { return "dir" + QByteArray::number(i) + (i % 7 ? "" : "_Mp"); };
+        for (int i = 1; i <= 300; ++i)
+            t.folder(parent(i), name(i));
+        for (int i = 300; i >= 1; --i)
+            paths[i] = paths[parent(i)] + '/' + name(i);
+        for (int i = 0; i < 30000; ++i) {
+            const QByteArray file = "f" + QByteArray::number(i * 7919 % 10007) + (i % 3 ? ".txt" : ".mpg");
+            t.file(std::uint32_t(i % 301), file);
+            paths.append(paths[i % 301] + '/' + file);
         }
         auto c = SqliteCatalogue::open(m_path);
         QVERIFY(c->record(fixtureInfo("/data", 1000), t));
         using K = FindQuery::Kinds;
-        for (const FindQuery& q : {FindQuery{.text = QStringLiteral("1")}, FindQuery{.text = QStringLiteral("mP")},
-                                   FindQuery{.text = QStringLiteral(".TXT")}, FindQuery{.text = QStringLiteral("dir2")},
-                                   FindQuery{.text = QStringLiteral("r1/"), .matchPath = true},
-                                   FindQuery{.text = QStringLiteral("1"), .kinds = K::Files, .limit = 700}}) {
+        for (const FindQuery& q :
+             {FindQuery{}, FindQuery{.text = QStringLiteral("1")}, FindQuery{.text = QStringLiteral("mP")},
+              FindQuery{.text = QStringLiteral(".TXT")}, FindQuery{.text = QStringLiteral("dir2")},
+              FindQuery{.text = QStringLiteral("r1/"), .matchPath = true},
+              FindQuery{.text = QStringLiteral("1"), .kinds = K::Files, .limit = 700}}) {
             QByteArrayList expected, found;
             for (qsizetype k = 1; k < paths.size(); ++k) {
                 const QByteArray name = paths[k].mid(paths[k].lastIndexOf('/') + 1);

@@ -69,7 +69,7 @@ bool EntryBlock::parse(std::string_view bytes, qint64 baseTime)
 {
     m_base = baseTime;
     m_names.clear();
-    m_columnsRead = false;
+    m_parentsRead = m_columnsRead = false;
     const char* p = bytes.data();
     const char* end = p + bytes.size();
     std::uint64_t count = 0, namesLen = 0;
@@ -90,20 +90,38 @@ bool EntryBlock::parse(std::string_view bytes, qint64 baseTime)
     return p == namesEnd;
 }
 
+bool EntryBlock::parseParents()
+{
+    m_parentsRead = true;
+    m_parents.resize(m_names.size());
+    const char* p = m_rest;
+    std::uint64_t v = 0;
+    for (std::uint32_t& parent : m_parents) {
+        if (!getVarint(p, m_end, v))
+            return m_parentsOk = false;
+        parent = std::uint32_t(v);
+    }
+    m_afterParents = p;
+    return m_parentsOk = true;
+}
+
+std::uint32_t EntryBlock::parent(int i)
+{
+    if (!m_parentsRead)
+        parseParents();
+    return m_parentsOk ? m_parents[size_t(i)] : 0;
+}
+
 bool EntryBlock::parseColumns()
 {
     m_columnsRead = true;
+    if (!(m_parentsRead ? m_parentsOk : parseParents()))
+        return m_columnsOk = false;
     const size_t n = m_names.size();
-    m_parents.resize(n);
     m_sizes.resize(n);
     m_times.resize(n);
-    const char* p = m_rest;
+    const char* p = m_afterParents;
     std::uint64_t v = 0;
-    for (size_t i = 0; i < n; ++i) {
-        if (!getVarint(p, m_end, v))
-            return m_columnsOk = false;
-        m_parents[i] = std::uint32_t(v);
-    }
     for (size_t i = 0; i < n; ++i) {
         if (!getVarint(p, m_end, v))
             return m_columnsOk = false;

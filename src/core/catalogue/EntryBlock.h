@@ -53,6 +53,8 @@ public:
     const std::vector<std::string_view>& names() const { return m_names; }
     // The rest of the entries, read on first use (a search that finds nothing in a block never needs them).
     Entry entry(int i);
+    // Only the parent, which is all the folders' paths need: the other columns are left unread.
+    std::uint32_t parent(int i);
 
     static void putVarint(std::string& out, std::uint64_t v);
     // Advances `p`; false past `end` or on a number longer than ten bytes. Inline for the one-byte numbers
@@ -72,12 +74,16 @@ public:
 
 private:
     static bool getLongVarint(const char*& p, const char* end, std::uint64_t& v);
+    bool parseParents();
     bool parseColumns();
 
     qint64 m_base = 0;
     std::vector<std::string_view> m_names;
     const char* m_rest = nullptr;
+    const char* m_afterParents = nullptr;
     const char* m_end = nullptr;
+    bool m_parentsRead = false;
+    bool m_parentsOk = false;
     bool m_columnsRead = false;
     bool m_columnsOk = false;
     std::vector<std::uint32_t> m_parents;

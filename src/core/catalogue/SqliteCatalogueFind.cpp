@@ -76,6 +76,8 @@ namespace {
 // that hits keep streaming in.
 constexpr qint64 MinBlocksOnTwoThreads = 32;
 constexpr qint64 MaxChunkBlocks = 256;
+// Once a scan has given this many hits, its folders' paths are laid out for the rest (see layOutPaths).
+constexpr std::size_t LayOutPathsAfter = 8192;
 // Chunks read ahead of the one to hand on next: enough to keep both threads busy, few enough to hold little.
 constexpr std::size_t ChunksAhead = 8;
 
@@ -137,9 +139,9 @@ struct BlockSearch
     {
         if (!folder)
             return reader.childPath(parent, name, nameOffset);
-        const std::string_view p = reader.folderPath(std::uint32_t(k));
-        *nameOffset = int(p.size() - name.size());
-        return QByteArray(p.data(), qsizetype(p.size()));
+        QByteArray p = reader.folderPath(std::uint32_t(k));
+        *nameOffset = int(p.size() - qsizetype(name.size()));
+        return p;
     }
 
     // Appends the block's hits to `out`, in order. A hit needs the folders' paths: without `load`, the first
@@ -357,6 +359,7 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
     }
 
     bool more = true;
+    std::size_t handedOn = 0;
     std::unique_lock lock(mutex);
     for (;;) {
         if (!ahead.empty() && ahead.front()->done) {
@@ -369,6 +372,9 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
                 ready->needsFolders = ready->byHelper = false;
                 searchChunk(search, *ready);
             }
+            handedOn += ready->hits.size();
+            if (handedOn >= LayOutPathsAfter)
+                search.reader.layOutPaths();
             if (!deliver(ready->hits))
                 return true;
             if (ready->damaged >= 0) {
@@ -580,13 +586,7 @@ std::optional<CatalogueDiff> SqliteCatalogue::diff(qint64 olderId, qint64 newerI
                         continue;
                     const EntryBlock::Entry e = block.entry(i);
                     const bool folder = k <= s->folderCount;
-                    QByteArray path;
-                    if (folder) {
-                        const std::string_view p = reader.folderPath(std::uint32_t(k));
-                        path = QByteArray(p.data(), qsizetype(p.size()));
-                    } else {
-                        path = reader.childPath(e.parent, e.name);
-                    }
+                    QByteArray path = folder ? reader.folderPath(std::uint32_t(k)) : reader.childPath(e.parent, e.name);
                     qint64 from = prefix;
                     if (from < path.size() && path.at(from) == s->separator)
                         ++from;

@@ -39,10 +39,8 @@ bool StoredScanReader::loadFolders(QString* error)
     if (foldersLoaded())
         return true;
     const std::size_t folders = std::size_t(m_scan.folderCount + 1);
-    std::vector<std::uint32_t> parents(folders, 0);
-    std::string names;
-    std::vector<std::size_t> nameStart(folders, 0);
-    std::vector<std::uint32_t> nameLength(folders, 0);
+    m_folders.assign(folders, Folder());
+    m_names.clear();
     const bool ok = forEachBlock(
         0, qint64(folders - 1) / EntryBlock::Size,
         [&](qint64 seq, EntryBlock& block) {
@@ -50,11 +48,12 @@ bool StoredScanReader::loadFolders(QString* error)
                 const std::size_t k = std::size_t(seq) * EntryBlock::Size + std::size_t(i);
                 if (k >= folders)
                     return false;
-                const EntryBlock::Entry e = block.entry(i);
-                parents[k] = e.parent < folders ? e.parent : 0;
-                nameStart[k] = names.size();
-                nameLength[k] = std::uint32_t(e.name.size());
-                names.append(e.name);
+                Folder& f = m_folders[k];
+                const std::uint32_t parent = block.parent(i);
+                f.parent = parent < folders ? parent : 0;
+                f.nameStart = m_names.size();
+                f.nameLength = std::uint32_t(block.name(i).size());
+                m_names.append(block.name(i));
             }
             return true;
         },
@@ -62,73 +61,114 @@ bool StoredScanReader::loadFolders(QString* error)
     if (!ok)
         return false;
 
-    // Each path is its parent's plus the name, so a parent's path must be there first. Parents come before
-    // their children in a recorded scan; walking up the chain copes with any order all the same. The first
-    // pass settles the order and every length, so the paths go into one string of the right size at once.
-    m_pathStart.assign(folders, 0);
-    m_pathLength.assign(folders, 0);
-    std::vector<std::uint32_t> order, chain;
-    order.reserve(folders);
-    std::vector<bool> built(folders, false), separator(folders, false);
-    std::vector<char> lastByte(folders, 0);
-    const std::size_t startLength = size_t(m_scan.startPath.size());
-    m_pathLength[0] = std::uint32_t(startLength);
-    lastByte[0] = startLength ? m_scan.startPath.back() : 0;
-    built[0] = true;
-    std::size_t total = startLength;
+    // A path's length is its parent's and more, so a parent's must be known first; folders are not numbered
+    // parents first, so each one's chain is walked up to a folder already known.
+    std::vector<bool> known(folders, false);
+    Folder& start = m_folders[0];
+    start.nameLength = 0;
+    start.pathLength = std::uint32_t(m_scan.startPath.size());
+    start.lastByte = m_scan.startPath.isEmpty() ? 0 : m_scan.startPath.back();
+    known[0] = true;
+    std::vector<std::uint32_t> chain;
+    m_order.clear();
+    m_order.reserve(folders);
     for (std::size_t k = 1; k < folders; ++k) {
         chain.clear();
-        for (std::uint32_t j = std::uint32_t(k); !built[j] && chain.size() <= folders; j = parents[j])
+        for (std::uint32_t j = std::uint32_t(k); !known[j] && chain.size() <= folders; j = m_folders[j].parent)
             chain.push_back(j);
         for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
-            if (!built[parents[*it]])
-                parents[*it] = 0; // a damaged chain that loops hangs from the start folder
-            const std::uint32_t parent = parents[*it];
-            separator[*it] = m_pathLength[parent] == 0 || lastByte[parent] != m_scan.separator;
-            m_pathLength[*it] = m_pathLength[parent] + (separator[*it] ? 1 : 0) + nameLength[*it];
-            lastByte[*it] = nameLength[*it]  ? names[nameStart[*it] + nameLength[*it] - 1]
-                            : separator[*it] ? m_scan.separator
-                                             : lastByte[parent];
-            total += m_pathLength[*it];
-            built[*it] = true;
-            order.push_back(*it);
+            Folder& f = m_folders[*it];
+            if (!known[f.parent])
+                f.parent = 0; // a damaged chain that loops hangs from the start folder
+            const Folder& parent = m_folders[f.parent];
+            f.separatorBefore = parent.pathLength == 0 || parent.lastByte != m_scan.separator;
+            f.pathLength = parent.pathLength + (f.separatorBefore ? 1 : 0) + f.nameLength;
+            f.lastByte = f.nameLength        ? m_names[f.nameStart + f.nameLength - 1]
+                         : f.separatorBefore ? m_scan.separator
+                                             : parent.lastByte;
+            known[*it] = true;
+            m_order.push_back(*it);
         }
-    }
-    m_paths.clear();
-    m_paths.reserve(total);
-    m_paths.append(m_scan.startPath.constData(), startLength);
-    for (const std::uint32_t k : order) {
-        const std::uint32_t parent = parents[k];
-        m_pathStart[k] = m_paths.size();
-        m_paths.append(m_paths.data() + m_pathStart[parent], m_pathLength[parent]); // the room is there
-        if (separator[k])
-            m_paths.push_back(m_scan.separator);
-        m_paths.append(names, nameStart[k], nameLength[k]);
     }
     m_foldersLoaded.store(true, std::memory_order_release);
     return true;
 }
 
-std::string_view StoredScanReader::folderPath(std::uint32_t index) const
+void StoredScanReader::layOutPaths()
 {
-    if (m_pathStart.empty())
+    if (!foldersLoaded() || m_laidOut.load(std::memory_order_relaxed))
+        return;
+    const std::size_t folders = m_folders.size();
+    std::size_t total = 0;
+    m_pathStart.resize(folders);
+    for (std::size_t k = 0; k < folders; ++k) {
+        m_pathStart[k] = total;
+        total += m_folders[k].pathLength;
+    }
+    m_paths.resize(total);
+    walkPath(0, m_paths.data());
+    for (const std::uint32_t k : m_order) {
+        const Folder& f = m_folders[k];
+        char* out = m_paths.data() + m_pathStart[k];
+        const Folder& parent = m_folders[f.parent];
+        std::memcpy(out, m_paths.data() + m_pathStart[f.parent], parent.pathLength);
+        if (f.separatorBefore)
+            out[parent.pathLength] = m_scan.separator;
+        if (f.nameLength)
+            std::memcpy(out + f.pathLength - f.nameLength, m_names.data() + f.nameStart, f.nameLength);
+    }
+    m_laidOut.store(true, std::memory_order_release);
+}
+
+void StoredScanReader::writePath(std::uint32_t index, char* out) const
+{
+    if (m_laidOut.load(std::memory_order_acquire)) {
+        std::memcpy(out, m_paths.data() + m_pathStart[index], m_folders[index].pathLength);
+        return;
+    }
+    walkPath(index, out);
+}
+
+void StoredScanReader::walkPath(std::uint32_t index, char* out) const
+{
+    for (std::uint32_t k = index; k != 0;) {
+        const Folder& f = m_folders[k];
+        char* name = out + (f.pathLength - f.nameLength);
+        if (f.nameLength)
+            std::memcpy(name, m_names.data() + f.nameStart, f.nameLength);
+        if (f.separatorBefore)
+            name[-1] = m_scan.separator;
+        k = f.parent;
+    }
+    if (!m_scan.startPath.isEmpty())
+        std::memcpy(out, m_scan.startPath.constData(), size_t(m_scan.startPath.size()));
+}
+
+QByteArray StoredScanReader::folderPath(std::uint32_t index) const
+{
+    if (m_folders.empty())
         return {};
-    if (index >= m_pathStart.size())
+    if (index >= m_folders.size())
         index = 0;
-    return std::string_view(m_paths).substr(m_pathStart[index], m_pathLength[index]);
+    QByteArray out(qsizetype(m_folders[index].pathLength), Qt::Uninitialized);
+    writePath(index, out.data());
+    return out;
 }
 
 QByteArray StoredScanReader::childPath(std::uint32_t parent, std::string_view name, int* nameOffset) const
 {
-    const std::string_view folder = folderPath(parent);
-    const bool separator = folder.empty() || folder.back() != m_scan.separator;
-    const std::size_t offset = folder.size() + (separator ? 1 : 0);
+    if (m_folders.empty())
+        return {};
+    if (parent >= m_folders.size())
+        parent = 0;
+    const Folder& folder = m_folders[parent];
+    const bool separator = folder.pathLength == 0 || folder.lastByte != m_scan.separator;
+    const std::size_t offset = folder.pathLength + (separator ? 1 : 0);
     QByteArray out(qsizetype(offset + name.size()), Qt::Uninitialized);
     char* d = out.data();
-    if (!folder.empty())
-        std::memcpy(d, folder.data(), folder.size());
+    writePath(parent, d);
     if (separator)
-        d[folder.size()] = m_scan.separator;
+        d[folder.pathLength] = m_scan.separator;
     if (!name.empty())
         std::memcpy(d + offset, name.data(), name.size());
     if (nameOffset)
