@@ -18,7 +18,7 @@ class SqliteStatement;
 // order and stored EntryBlock::Size to a row of `block`. `gram` holds, for every three-byte piece of the
 // upper-cased names, the blocks that contain it (ascending block numbers as differences), so a search reads
 // only the blocks that can hold a match. Texts shorter than three bytes, path and pattern searches without a
-// long enough literal read every block of the scans searched.
+// long enough literal read every block of the scans searched; many blocks are searched on two threads.
 class SqliteCatalogue : public Catalogue
 {
 public:
