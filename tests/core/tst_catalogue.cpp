@@ -239,10 +239,10 @@ private slots:
               FindQuery{.text = QStringLiteral("1"), .kinds = K::Files, .limit = 700}}) {
             QByteArrayList expected, found;
             for (qsizetype k = 1; k < paths.size(); ++k) {
-                const QByteArray name = paths[k].mid(paths[k].lastIndexOf('/') + 1);
+                const QByteArray last = paths[k].mid(paths[k].lastIndexOf('/') + 1);
                 if ((q.kinds != K::Files || k > 300) &&
-                    (q.matchPath ? paths[k] : name).toUpper().contains(q.text.toLatin1().toUpper()))
-                    expected.append(paths[k] + '|' + name);
+                    (q.matchPath ? paths[k] : last).toUpper().contains(q.text.toLatin1().toUpper()))
+                    expected.append(paths[k] + '|' + last);
             }
             for (const FindHit& h : hits(*c, q))
                 found.append(h.path + '|' + h.name());
