@@ -116,11 +116,6 @@ void intersect(std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& 
     a.swap(out);
 }
 
-QString damaged(qint64 scan, qint64 seq)
-{
-    return QStringLiteral("The catalogue is damaged (scan %1, block %2).").arg(scan).arg(seq);
-}
-
 // Turns the blocks of one scan into hits. Two threads may share it: only the one that reads the database
 // loads the folders.
 struct BlockSearch
@@ -222,7 +217,8 @@ public:
             if (!m_query.step()) {
                 m_failed = true;
                 if (error)
-                    *error = m_query.done() ? damaged(m_scan, seq) : QString::fromUtf8(sqlite3_errmsg(m_db));
+                    *error = m_query.done() ? StoredScanReader::damaged(m_scan, seq)
+                                            : QString::fromUtf8(sqlite3_errmsg(m_db));
                 return false;
             }
         } else if (!m_query.step()) {
@@ -379,7 +375,7 @@ bool searchOnTwoThreads(BlockFeed& feed, const BlockSearch& search, std::size_t 
                 return true;
             if (ready->damaged >= 0) {
                 if (error)
-                    *error = damaged(search.scan->id, ready->damaged);
+                    *error = StoredScanReader::damaged(search.scan->id, ready->damaged);
                 return false;
             }
             if (!ready->byHelper)
@@ -521,7 +517,7 @@ bool SqliteCatalogue::findInScan(const std::shared_ptr<const ScanInfo>& scan, Fi
         }
         if (!block.parse(bytes, reader.baseTime())) {
             if (error)
-                *error = damaged(scan->id, seq);
+                *error = StoredScanReader::damaged(scan->id, seq);
             return false;
         }
         const std::size_t before = state.batch.size();

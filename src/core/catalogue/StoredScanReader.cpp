@@ -8,6 +8,11 @@
 #include <cstring>
 #include <sqlite3.h>
 
+QString StoredScanReader::damaged(qint64 scan, qint64 seq)
+{
+    return QStringLiteral("The catalogue is damaged (scan %1, block %2).").arg(scan).arg(seq);
+}
+
 bool StoredScanReader::forEachBlock(qint64 first, qint64 last,
                                     const std::function<bool(qint64 seq, EntryBlock&)>& visit, QString* error)
 {
@@ -19,8 +24,7 @@ bool StoredScanReader::forEachBlock(qint64 first, qint64 last,
     while (q.step()) {
         if (!block.parse(q.blob(1), baseTime())) {
             if (error)
-                *error =
-                    QStringLiteral("The catalogue is damaged (scan %1, block %2).").arg(m_scan.id).arg(q.integer(0));
+                *error = damaged(m_scan.id, q.integer(0));
             return false;
         }
         if (!visit(q.integer(0), block))

@@ -24,6 +24,8 @@ public:
     qint64 entryCount() const { return firstFile() + m_scan.fileCount; }
     qint64 baseTime() const { return m_scan.scannedAtMs / 1000; }
 
+    // What a search or a read says of a block that is missing or will not parse.
+    static QString damaged(qint64 scan, qint64 seq);
     // Calls `visit` with every block in [first, last] that exists, in order; `visit` answers false to stop.
     bool forEachBlock(qint64 first, qint64 last, const std::function<bool(qint64 seq, EntryBlock&)>& visit,
                       QString* error);

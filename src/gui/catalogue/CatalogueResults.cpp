@@ -2,6 +2,8 @@
 
 #include "CatalogueResults.h"
 
+#include "catalogue/EntryBlock.h"
+
 #include <algorithm>
 #include <functional>
 
@@ -12,12 +14,10 @@ namespace {
 constexpr std::size_t MaxName = 65000;
 constexpr std::size_t PathTextBytes = std::size_t(1) << 20;
 
+// A text after its length, in the catalogue's own varint.
 void putText(std::string& out, std::string_view text)
 {
-    std::size_t n = text.size();
-    for (; n >= 0x80; n >>= 7)
-        out.push_back(char((n & 0x7F) | 0x80));
-    out.push_back(char(n));
+    EntryBlock::putVarint(out, text.size());
     out.append(text);
 }
 
@@ -32,15 +32,9 @@ std::size_t textSize(std::string_view text)
 std::string_view textAt(const std::string& in, std::size_t at)
 {
     const char* p = in.data() + at;
-    std::size_t n = 0;
-    unsigned shift = 0;
-    unsigned char c = 0;
-    do {
-        c = static_cast<unsigned char>(*p++);
-        n |= std::size_t(c & 0x7F) << shift;
-        shift += 7;
-    } while (c & 0x80);
-    return {p, n};
+    std::uint64_t n = 0;
+    EntryBlock::getVarint(p, in.data() + in.size(), n); // written by putText, so never short
+    return {p, std::size_t(n)};
 }
 
 std::size_t mix(std::uint64_t x)
